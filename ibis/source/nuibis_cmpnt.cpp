@@ -1,0 +1,374 @@
+#include "ibis/source/nuibis_cmpnt.h"
+
+#include "ibis/source/nuibis_apkg.h"
+#include "ibis/source/nuibis_difpin.h"
+#include "ibis/source/nuibis_field.h"
+#include "ibis/source/nuibis_ibis.h"
+#include "ibis/source/nuibis_list.h"
+#include "ibis/source/nuibis_pin.h"
+#include "ibis/source/nuibis_pinmpg.h"
+#include "ibis/source/nuibis_pkg.h"
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+// Module state, reset by CMPNT_Init.
+CMPNT* gpCurrentCmpnt = nullptr;  // open component, null outside the group
+bool gbManufacturerSeen = false;
+nuibis_keyword geCmpntKeyword = NOT_KEY;  // last keyword of this group; data lines belong to it
+PIN_ColumnOrder gaiPinColumnOrder = {0, 1, 2};
+
+// Keyword lines; `text` is what follows the bracket ------------------------------------------------------
+
+void ReadName(std::string_view text)
+{
+    CMN_SetString(gpCurrentCmpnt->szName, text, 40, "Component");
+    const std::string_view name = gpCurrentCmpnt->szName;
+    if (std::any_of(name.begin(), name.end(), CMN_IsSpace)) {
+        MSG_WarningLine(513, name);
+    }
+    CMN_CheckReserved(name);
+}
+
+void ReadManufacturer(std::string_view text)
+{
+    CMN_SetString(gpCurrentCmpnt->szManufacturer, text, 40, "Manufacturer");
+    gbManufacturerSeen = true;
+}
+
+void OpenPackage(std::string_view text)
+{
+    if (gpCurrentCmpnt->pPackage != nullptr) {
+        MSG_ErrorLine(517);
+        PKG_Free(gpCurrentCmpnt->pPackage);
+    }
+    if (!text.empty()) {
+        MSG_ErrorLine(518);
+    }
+    gpCurrentCmpnt->pPackage = PKG_Create();
+    if (gpCurrentCmpnt->pPackage == nullptr) {
+        MSG_ErrorLine(533, "Package");
+    }
+}
+
+void OpenPin(std::string_view text)
+{
+    PIN_ReadHeader(gpCurrentCmpnt, gaiPinColumnOrder, text);
+}
+
+void ReadPackageModel(std::string_view text)
+{
+    CMN_SetString(gpCurrentCmpnt->szPackageModel, text, 40, "Package_Model");
+    CMN_CheckReserved(gpCurrentCmpnt->szPackageModel);
+}
+
+void OpenPinMapping(std::string_view text)
+{
+    PINMPG_ReadHeader(gpCurrentCmpnt, text);
+}
+
+void OpenAlternatePackages(std::string_view text)
+{
+    if (gpCurrentCmpnt->pAltPackageModels != nullptr) {
+        MSG_ErrorLine(520);
+    }
+    if (!text.empty()) {
+        MSG_ErrorLine(521);
+    }
+}
+
+void CloseAlternatePackages(std::string_view text)
+{
+    if (!text.empty()) {
+        MSG_ErrorLine(522);
+    }
+    APKG_Close(gpCurrentCmpnt->pAltPackageModels);
+}
+
+// Data lines ----------------------------------------------------------------------------------------------
+
+struct Subparameter {
+    std::string_view sName;
+    CMPNT_Location CMPNT::*peField;
+};
+
+constexpr std::array<Subparameter, 2> SUBPARAMETERS{{
+    {"Si_location", &CMPNT::eSiLocation},
+    {"Timing_location", &CMPNT::eTimingLocation},
+}};
+
+void ReadLocation(const Subparameter& parameter, std::string_view text)
+{
+    static constexpr std::array<std::string_view, 2> words{"Pin", "Die"};
+    CMPNT_Location& field = gpCurrentCmpnt->*parameter.peField;
+    if (field != LOCATION_ABSENT) {
+        MSG_ErrorLine(537, parameter.sName, gpCurrentCmpnt->szName);
+    }
+    field = LOCATION_INVALID;
+    const CMN_TokenList tokens = CMN_Split(text, 2);
+    if (tokens.iFound == 1) {
+        MSG_ErrorLine(538, parameter.sName);
+        return;
+    }
+    if (tokens.iFound != 2) {
+        MSG_ErrorLine(539, tokens.iFound, parameter.sName, 2);
+        return;
+    }
+    const int word = FIELD_FindWord(tokens[1], words, parameter.sName, {540, 541});
+    if (word >= 0) {
+        field = word == 0 ? LOCATION_PIN : LOCATION_DIE;
+    }
+}
+
+void ReadSubparameter(std::string_view text)
+{
+    if (geIbisVersion < IBIS_VER_3) {
+        MSG_ErrorLine(506);
+        return;
+    }
+    const std::string_view name = CMN_Split(text, 1)[0];
+    const auto* const parameter = std::find_if(SUBPARAMETERS.begin(), SUBPARAMETERS.end(),
+                                               [name](const Subparameter& p) { return p.sName == name; });
+    if (parameter == SUBPARAMETERS.end()) {
+        MSG_ErrorLine(535);
+        return;
+    }
+    ReadLocation(*parameter, text);
+}
+
+void RefuseManufacturerData(std::string_view)
+{
+    MSG_ErrorLine(507);
+}
+
+void ReadPackageLine(std::string_view text)
+{
+    if (gpCurrentCmpnt->pPackage != nullptr) {
+        PKG_Line(gpCurrentCmpnt->pPackage, text);
+    }
+}
+
+void ReadPinLine(std::string_view text)
+{
+    PIN* pin = nullptr;
+    if (PIN_ReadLine(text, gpCurrentCmpnt->iPinColumns, &pin, gaiPinColumnOrder)) {
+        PIN_Add(gpCurrentCmpnt->pPins, pin);
+    } else {
+        MSG_ErrorLine(533, "Pin");
+    }
+}
+
+void RefusePackageModelData(std::string_view)
+{
+    MSG_ErrorLine(508);
+}
+
+void ReadPinMappingLine(std::string_view text)
+{
+    PINMPG* mapping = nullptr;
+    if (PINMPG_ReadLine(text, gpCurrentCmpnt->iPinMappingColumns, &mapping)) {
+        PINMPG_Add(gpCurrentCmpnt->pPinMappings, mapping);
+    } else {
+        MSG_ErrorLine(533, "Pin_Mapping");
+    }
+}
+
+void ReadAlternatePackage(std::string_view text)
+{
+    APKG_Line(gpCurrentCmpnt->pAltPackageModels, text);
+}
+
+// Data behind an [End ...] keyword.
+void RefuseData(std::string_view)
+{
+    MSG_BugLine(509, __FILE_NAME__, __LINE__);
+}
+
+// The keyword table ---------------------------------------------------------------------------------------
+
+using Reader = void (*)(std::string_view text);
+
+// A keyword whose table is known and not read yet: its lines are consumed in silence.
+void NotBuilt(std::string_view) {}
+
+struct Keyword {
+    nuibis_keyword eCode;
+    Reader keywordLine;
+    Reader dataLine;
+};
+
+constexpr std::array<Keyword, 20> KEYWORDS{{
+    {KEY_COMPONENT, ReadName, ReadSubparameter},
+    {KEY_MANUFACTURER, ReadManufacturer, RefuseManufacturerData},
+    {KEY_PACKAGE, OpenPackage, ReadPackageLine},
+    {KEY_PIN, OpenPin, ReadPinLine},
+    {KEY_PACKAGE_MODEL, ReadPackageModel, RefusePackageModelData},
+    {KEY_PIN_MAPPING, OpenPinMapping, ReadPinMappingLine},
+    {KEY_DIFF_PIN, NotBuilt, NotBuilt},
+    {KEY_REPEATER_PIN, NotBuilt, NotBuilt},
+    {KEY_SERIES_SWITCH_GROUPS, NotBuilt, NotBuilt},
+    {KEY_SERIES_PIN_MAPPING, NotBuilt, NotBuilt},
+    {KEY_ALTERNATE_PACKAGE_MODELS, OpenAlternatePackages, ReadAlternatePackage},
+    {KEY_END_ALTERNATE_PACKAGE_MODELS, CloseAlternatePackages, RefuseData},
+    {KEY_NODE_DECLARATIONS, NotBuilt, NotBuilt},
+    {KEY_END_NODE_DECLARATIONS, NotBuilt, NotBuilt},
+    {KEY_CIRCUIT_CALL, NotBuilt, NotBuilt},
+    {KEY_END_CIRCUIT_CALL, NotBuilt, NotBuilt},
+    {KEY_BEGIN_EMI_COMPONENT, NotBuilt, NotBuilt},
+    {KEY_END_EMI_COMPONENT, NotBuilt, NotBuilt},
+    {KEY_PIN_EMI, NotBuilt, NotBuilt},
+    {KEY_PIN_DOMAIN_EMI, NotBuilt, NotBuilt},
+}};
+
+const Keyword* FindKeyword(nuibis_keyword code)
+{
+    const auto* const row =
+        std::find_if(KEYWORDS.begin(), KEYWORDS.end(), [code](const Keyword& k) { return k.eCode == code; });
+    return row == KEYWORDS.end() ? nullptr : row;
+}
+
+// What the keyword before this one left open.
+void CheckOpenBlocks(nuibis_keyword code)
+{
+    const bool open = geCmpntKeyword == KEY_ALTERNATE_PACKAGE_MODELS;
+    const bool end = code == KEY_END_ALTERNATE_PACKAGE_MODELS;
+    if (end && !open) {
+        MSG_ErrorLine(503);
+    } else if (!end && open) {
+        MSG_ErrorLine(504);
+    }
+}
+
+void ReadKeyword(nuibis_keyword code, std::string_view text)
+{
+    const Keyword* const keyword = FindKeyword(code);
+    if (keyword == nullptr) {
+        MSG_BugLine(505, __FILE_NAME__, __LINE__);
+        return;
+    }
+    CheckOpenBlocks(code);
+    CMN_SkipKeyword(text);
+    geCmpntKeyword = code;
+    keyword->keywordLine(text);
+}
+
+// End of file ---------------------------------------------------------------------------------------------
+
+void CheckDuplicates(CMPNT* list)
+try {
+    // One report for each pair, in the order of the list.
+    CMN_Map<std::string_view, unsigned> remaining;
+    for (const CMPNT* component = list; component != nullptr; component = component->pNext) {
+        ++remaining[component->szName];
+    }
+    for (const CMPNT* component = list; component != nullptr; component = component->pNext) {
+        for (unsigned later = --remaining[component->szName]; later > 0; --later) {
+            MSG_Error(511, component->szName);
+        }
+    }
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself.
+}
+
+}  // namespace
+
+void CMPNT_Init()
+{
+    gbManufacturerSeen = false;
+    geCmpntKeyword = NOT_KEY;
+    gaiPinColumnOrder[0] = 0;
+    gaiPinColumnOrder[1] = 1;
+    gaiPinColumnOrder[2] = 2;
+    gpCurrentCmpnt = nullptr;
+    ibis* root = nullptr;
+    if (!IBIS_GetCurrent(&root)) {
+        MSG_BugLine(500, __FILE_NAME__, __LINE__);
+        return;
+    }
+    if (!CMN_Alloc(gpCurrentCmpnt)) {
+        MSG_ErrorLine(512);
+        return;
+    }
+    IBIS_Add<&ibis::pComponents>(root, gpCurrentCmpnt);
+}
+
+void CMPNT_Line(line_type lineType, nuibis_keyword code, std::string_view text)
+{
+    if (lineType != LINE_KEYWORD && lineType != LINE_DATA) {
+        MSG_BugLine(510, __FILE_NAME__, __LINE__);
+    } else if (gpCurrentCmpnt == nullptr) {
+        if (lineType == LINE_KEYWORD) {
+            MSG_ErrorLine(501);
+        } else {
+            MSG_ErrorLine(502);
+        }
+    } else if (lineType == LINE_KEYWORD) {
+        ReadKeyword(code, text);
+    } else if (const Keyword* keyword = FindKeyword(geCmpntKeyword); keyword != nullptr) {
+        keyword->dataLine(text);
+    } else {
+        MSG_BugLine(509, __FILE_NAME__, __LINE__);
+    }
+}
+
+// [Component] itself lies outside, so that a new component ends the one before.
+void CMPNT_Leave(nuibis_keyword newCode)
+{
+    const bool stays = newCode > KEY_COMPONENT && newCode <= KEY_PIN_DOMAIN_EMI &&
+                       newCode != KEY_EXTERNAL_CIRCUIT && newCode != KEY_END_EXTERNAL_CIRCUIT;
+    if (stays || gpCurrentCmpnt == nullptr) {
+        return;
+    }
+    if (geCmpntKeyword == KEY_ALTERNATE_PACKAGE_MODELS) {
+        MSG_ErrorLine(504);
+    }
+    if (!gbManufacturerSeen) {
+        MSG_Error(514, gpCurrentCmpnt->szName);
+    }
+    PKG_CheckRequired(gpCurrentCmpnt->pPackage, gpCurrentCmpnt->szName);
+    gpCurrentCmpnt = nullptr;
+    gbManufacturerSeen = false;
+}
+
+void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl*)
+{
+    if (component->pPins != nullptr) {
+        PIN_CheckAll(component->pPins, component->pPinMappings, component->pDiffPins, component->szName);
+    } else {
+        MSG_Error(524, component->szName);
+    }
+    if (component->pPinMappings != nullptr) {
+        PINMPG_CheckAll(component->pPinMappings, component->pPins, component->szName);
+    }
+}
+
+void CMPNT_CheckAll(CMPNT* list, EXTBLOCK* circuits, nuibis_mdl* models)
+{
+    CheckDuplicates(list);
+    for (CMPNT* component = list; component != nullptr; component = component->pNext) {
+        CMPNT_CheckOne(component, circuits, models);
+    }
+}
+
+CMPNT* CMPNT_Find(CMPNT* list, std::string_view name)
+{
+    while (list != nullptr && name != list->szName) {
+        list = list->pNext;
+    }
+    return list;
+}
+
+void CMPNT_FreeList(CMPNT* list)
+{
+    gpCurrentCmpnt = nullptr;
+    CMN_FreeList(list, [](CMPNT& component) {
+        PKG_Free(component.pPackage);
+        PIN_Free(component.pPins);
+        PINMPG_Free(component.pPinMappings);
+        CMN_FreeList(component.pDiffPins);
+        APKG_Free(component.pAltPackageModels);
+    });
+}

@@ -1,0 +1,66 @@
+// [Component]: the record of a component, its own keywords, and the distribution of its tables to their
+// modules.
+
+#pragma once
+
+#include "ibis/source/nuibis_cmn.h"
+#include "ibis/source/nuibis_keyword.h"
+
+struct PKG;
+struct PIN;
+struct PINMPG;
+struct DIFPIN;
+struct REPPIN;
+struct SSWCH;
+struct SPINMPG;
+struct APKG;
+struct NODELIST;
+struct CIRCUITCALL;
+struct CMPNTEMI;
+struct nuibis_mdl;
+struct EXTBLOCK;
+
+/// Where a component's timing and its silicon are measured.
+enum CMPNT_Location : int {
+    LOCATION_ABSENT = 0,
+    LOCATION_INVALID = 1,  ///< given, but not understood
+    LOCATION_DIE = 2,
+    LOCATION_PIN = 3,
+};
+
+struct CMPNT {
+    CMPNT* pNext;
+    char szName[41];
+    char szManufacturer[41];
+    PKG* pPackage;            ///< [Package]
+    int iPinColumns;          ///< columns of the [Pin] header, 0 without [Pin]
+    PIN* pPins;               ///< [Pin], file order
+    char szPackageModel[41];  ///< [Package Model]
+    int iPinMappingColumns;   ///< columns of the [Pin Mapping] header
+    PINMPG* pPinMappings;     ///< [Pin Mapping], file order
+    int iDiffPinColumns;      ///< columns of the [Diff Pin] header
+    DIFPIN* pDiffPins;        ///< [Diff Pin]
+    int iRepeaterPinColumns;  ///< columns of the [Repeater Pin] header
+    REPPIN* pRepeaterPins;    ///< [Repeater Pin]
+    CMPNT_Location eSiLocation;
+    CMPNT_Location eTimingLocation;
+    SSWCH* pSeriesSwitchGroups;   ///< [Series Switch Groups]
+    int iSeriesPinColumns;        ///< columns of the [Series Pin Mapping] header
+    SPINMPG* pSeriesPinMappings;  ///< [Series Pin Mapping]
+    APKG* pAltPackageModels;      ///< [Alternate Package Models]
+    NODELIST* pNodes;             ///< [Node Declarations]
+    CIRCUITCALL* pCircuitCalls;   ///< [Circuit Call]
+    CMPNTEMI* pEmi;               ///< [Begin EMI Component]
+};
+
+void CMPNT_Init();
+void CMPNT_Line(line_type lineType, nuibis_keyword code, std::string_view text);
+void CMPNT_Leave(nuibis_keyword newCode);
+
+/// The end-of-file checks of all components.
+void CMPNT_CheckAll(CMPNT* list, EXTBLOCK* circuits, nuibis_mdl* models);
+/// The same checks for one component.
+void CMPNT_CheckOne(CMPNT* component, EXTBLOCK* circuits, nuibis_mdl* models);
+/// Exact comparison, first match of the list; null if absent.
+CMPNT* CMPNT_Find(CMPNT* list, std::string_view name);
+void CMPNT_FreeList(CMPNT* list);

@@ -1,0 +1,83 @@
+#include "ibis/source/nuibis_field.h"
+
+bool FIELD_ReadScalar(std::string_view text, std::string_view name, std::string_view label,
+                      const FIELD_ScalarCodes& codes, double* out)
+{
+    const CMN_TokenList tokens = CMN_SplitDelim(text, 3, '=');
+    if (tokens.iFound < 3) {
+        MSG_ErrorLine(codes.invalidLine, name);
+        return false;
+    }
+    if (tokens.iFound > 3) {
+        MSG_ErrorLine(codes.wrongCount, tokens.iFound, name, 3);
+    }
+    if (tokens[1] != "=") {
+        MSG_ErrorLine(codes.invalidLine, name);
+        return false;
+    }
+    const CMN_Number result = CMN_GetValue(tokens[2], out);
+    if (result == CMN_INVALID) {
+        MSG_ErrorLine(codes.invalidValue, name, tokens[2]);
+        return false;
+    }
+    if (result == CMN_SUSPICIOUS && codes.suspicious) {
+        MSG_WarningLine(codes.suspicious, label, name, tokens[2]);
+    }
+    return true;
+}
+
+void FIELD_NewScalar(std::string_view text, std::string_view name, std::string_view label,
+                     const FIELD_ScalarCodes& codes, double** field)
+{
+    if (CMN_Alloc(*field)) {
+        FIELD_ReadScalar(text, name, label, codes, *field);
+    }
+}
+
+int FIELD_FindWord(std::string_view word, std::span<const std::string_view> words, std::string_view what,
+                   const FIELD_WordCodes& codes)
+{
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (word == words[i]) {
+            return static_cast<int>(i);
+        }
+        if (CMN_Equal(word, words[i])) {
+            MSG_ErrorLine(codes.wrongCase, what, word, words[i]);
+            return -1;
+        }
+    }
+    MSG_ErrorLine(codes.unknown, what, word);
+    return -1;
+}
+
+bool FIELD_SetName(std::span<char> dst, std::string_view name, unsigned limit, MSG_Int1 tooLong)
+{
+    CMN_CopyText(dst, name, limit);
+    if (name.size() > limit) {
+        MSG_ErrorLine(tooLong, limit);
+        return false;
+    }
+    return true;
+}
+
+bool FIELD_OpenBlock(std::string_view text, std::string_view label, const FIELD_BlockCodes& codes)
+{
+    if (!CMN_SkipKeyword(text)) {
+        MSG_BugLine(codes.noBracket, __FILE_NAME__, __LINE__);
+        return false;
+    }
+    if (const int items = CMN_CountTokens(text); items != 0) {
+        MSG_ErrorLine(codes.wrongCount, items + 1, label, 1);
+    }
+    return true;
+}
+
+int FIELD_ReadTriple(std::string_view text, std::string_view label, MSG_Plain typicalNA, rng** field)
+{
+    CMN_SkipToken(text);
+    const int result = RNG_Read(text, label, field, true);
+    if (*field != nullptr && (*field)->eTyp == NUM_NA) {
+        MSG_ErrorLine(typicalNA);
+    }
+    return result;
+}

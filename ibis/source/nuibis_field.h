@@ -1,0 +1,66 @@
+// The readers of the line shapes that repeat through the families. A family hands in the line, the field to
+// fill and a constant struct with its own message numbers; what differs between families is in that struct.
+
+#pragma once
+
+#include "ibis/source/nuibis_cmn.h"
+#include "ibis/source/nuibis_rng.h"
+
+#include <span>
+
+// One scalar: "name = value" ------------------------------------------------------------------------------
+
+struct FIELD_ScalarCodes {
+    MSG_Text1 invalidLine;   ///< (name): a part is missing, or the second is no "="
+    MSG_Count wrongCount;    ///< (count, name, 3): more than three parts; reading goes on
+    MSG_Text2 invalidValue;  ///< (name, text)
+    MSG_Text3 suspicious;  ///< (label, name, text): a digit stands in the unit; 0 where the family is silent
+};
+
+/// Reads the value of "name = value". False, with a message and `*out` untouched, if there is none.
+bool FIELD_ReadScalar(std::string_view text, std::string_view name, std::string_view label,
+                      const FIELD_ScalarCodes& codes, double* out);
+/// Makes the field's number first, 0.0: a subparameter that was given but cannot be read counts as given.
+/// `*field` must be null; it stays so only when memory is out.
+void FIELD_NewScalar(std::string_view text, std::string_view name, std::string_view label,
+                     const FIELD_ScalarCodes& codes, double** field);
+
+// One word out of a table ---------------------------------------------------------------------------------
+
+struct FIELD_WordCodes {
+    MSG_Text3 wrongCase;  ///< (what, text, right spelling)
+    MSG_Text2 unknown;    ///< (what, text)
+};
+
+/// Row of `word` in `words`: the first row that matches, exactly or but for case, decides. -1 with a message
+/// unless it matches exactly.
+int FIELD_FindWord(std::string_view word, std::span<const std::string_view> words, std::string_view what,
+                   const FIELD_WordCodes& codes);
+
+// A name into a fixed field -------------------------------------------------------------------------------
+
+/// Length that names of models and signals may have in the current version.
+inline unsigned FIELD_NameLimit()
+{
+    return geIbisVersion < IBIS_VER_4 ? 20 : 40;
+}
+
+/// Stores at most `limit` characters; a longer name is reported with `limit`. True if it was not too long.
+bool FIELD_SetName(std::span<char> dst, std::string_view name, unsigned limit, MSG_Int1 tooLong);
+
+// A block keyword -----------------------------------------------------------------------------------------
+
+struct FIELD_BlockCodes {
+    MSG_Where noBracket;   ///< BUG: the driver has already refused such a line
+    MSG_Count wrongCount;  ///< (fields + 1, label, 1): something stands behind the bracket
+};
+
+/// Steps behind the bracket of a keyword that takes no items and reports what stands there. False only when
+/// the bracket is missing.
+bool FIELD_OpenBlock(std::string_view text, std::string_view label, const FIELD_BlockCodes& codes);
+
+// A typ/min/max triple ------------------------------------------------------------------------------------
+
+/// Reads the triple behind a line's first token into `*field`, which must be null. A typical value of "NA" is
+/// reported with `typicalNA`. Gives what RNG_Read gave.
+int FIELD_ReadTriple(std::string_view text, std::string_view label, MSG_Plain typicalNA, rng** field);

@@ -1,0 +1,139 @@
+// Helpers around the singly linked lists of the records: constant-time append, and lookup by name without a
+// walk.
+
+#pragma once
+
+#include "ibis/source/nuibis_cmn.h"
+
+#include <functional>
+#include <map>
+#include <new>
+
+/// Appends to a list in constant time by remembering its last record. One object serves the list that is
+/// being read; it finds the end anew when it is handed another list.
+template <class T> class LIST_Tail
+{
+  public:
+    /// Appends and gives the length of the list with the new record.
+    unsigned append(T*& head, T* record)
+    {
+        if (mpHead != &head || head == nullptr) {
+            rebind(head);
+        }
+        (mpLast == nullptr ? head : mpLast->pNext) = record;
+        mpLast = record;
+        return ++muiCount;
+    }
+    /// The last record appended, or null.
+    T* last() const { return mpLast; }
+
+  private:
+    void rebind(T*& head)
+    {
+        mpHead = &head;
+        mpLast = nullptr;
+        muiCount = 0;
+        for (T* p = head; p != nullptr; p = p->pNext) {
+            mpLast = p;
+            ++muiCount;
+        }
+    }
+
+    T** mpHead = nullptr;
+    T* mpLast = nullptr;
+    unsigned muiCount = 0;
+};
+
+/// Gives standard containers their memory through CMN_Alloc. The container's owner catches `std::bad_alloc`.
+template <class T> struct CMN_Allocator {
+    using value_type = T;
+    CMN_Allocator() noexcept = default;
+    template <class U> CMN_Allocator(const CMN_Allocator<U>&) noexcept {}
+    T* allocate(std::size_t count)
+    {
+        void* block = nullptr;
+        if (!CMN_AllocBytes(&block, count * sizeof(T))) {
+            throw std::bad_alloc();
+        }
+        return static_cast<T*>(block);
+    }
+    void deallocate(T* p, std::size_t) noexcept { CMN_Free(p); }
+    friend bool operator==(const CMN_Allocator&, const CMN_Allocator&) noexcept { return true; }
+};
+
+template <class Key, class Value>
+using CMN_Map = std::map<Key, Value, std::less<Key>, CMN_Allocator<std::pair<const Key, Value>>>;
+
+/// Finds records of a list by name, the first in list order winning. Follows a list that grows at its front
+/// or at its tail; records indexed once keep their names. Without memory for the index it walks the list.
+template <class T, auto Name> class LIST_Index
+{
+  public:
+    T* find(T* head, std::string_view name)
+    {
+        if (head == nullptr) {
+            return nullptr;
+        }
+        if (!follow(head)) {
+            return walk(head, name);
+        }
+        const auto found = mNames.find(name);
+        return found == mNames.end() ? nullptr : found->second;
+    }
+    /// To be called before records that may be indexed are freed.
+    void reset()
+    {
+        mNames.clear();
+        mpFirst = mpLast = nullptr;
+    }
+
+  private:
+    static T* walk(T* head, std::string_view name)
+    {
+        while (head != nullptr && name != std::string_view(head->*Name)) {
+            head = head->pNext;
+        }
+        return head;
+    }
+    bool follow(T* head)
+    {
+        try {
+            if (head != mpFirst) {
+                takeFront(head);
+            }
+            for (; mpLast->pNext != nullptr; mpLast = mpLast->pNext) {
+                mNames.try_emplace(mpLast->pNext->*Name, mpLast->pNext);
+            }
+            return true;
+        } catch (const std::bad_alloc&) {
+            reset();
+            return false;
+        }
+    }
+    // New records ahead of the first known one win over it; another list starts the index anew.
+    void takeFront(T* head)
+    {
+        T* stop = head;
+        while (stop != nullptr && stop != mpFirst) {
+            stop = stop->pNext;
+        }
+        if (stop == nullptr) {
+            reset();
+        }
+        CMN_Map<std::string_view, T*> front;
+        for (T* p = head; p != stop; p = p->pNext) {
+            front.try_emplace(p->*Name, p);
+            if (mpFirst == nullptr) {
+                mpLast = p;
+            }
+        }
+        for (const auto& [name, record] : front) {
+            mNames.insert_or_assign(name, record);
+        }
+        mpFirst = head;
+    }
+
+    CMN_Map<std::string_view, T*> mNames;
+    T* mpFirst = nullptr;
+    T* mpLast = nullptr;
+};

@@ -1,0 +1,174 @@
+#include "ibis/source/nuibis_msel.h"
+
+#include "ibis/source/nuibis_field.h"
+#include "ibis/source/nuibis_ibis.h"
+#include "ibis/source/nuibis_list.h"
+#include "ibis/source/nuibis_mdl.h"
+
+namespace
+{
+
+// Module state, reset by MSEL_Init. A selector stays current until the next one: it has no closing step.
+msel* gpCurMsel = nullptr;
+nuibis_keyword geMselKeyword = NOT_KEY;
+LIST_Tail<mselmodel> gEntries;
+LIST_Index<mselmodel, &mselmodel::szName> gEntryNames;
+
+LIST_Index<msel, &msel::szName> gSelectors;  // follows the list that was last looked into
+
+void ReadName(std::string_view text)
+{
+    const CMN_TokenList tokens = CMN_Split(text, 1);
+    if (tokens.iFound == 0) {
+        MSG_ErrorLine(4010);
+        return;
+    }
+    if (tokens.iFound > 1) {
+        MSG_ErrorLine(4011, tokens.iFound, "Model Selector", 1);
+    }
+    FIELD_SetName(gpCurMsel->szName, tokens[0], FIELD_NameLimit(), 4012);
+    const std::string_view name = gpCurMsel->szName;
+    if (!CMN_IsNotReserved(name)) {
+        MSG_ErrorLine(4013, name);
+    }
+    if (MSEL_Exists(name, gpCurMsel->pNext)) {
+        MSG_ErrorLine(4014, name);
+    }
+}
+
+void ReadDescription(mselmodel& entry, std::string_view text)
+{
+    CMN_SkipToken(text);
+    CMN_SkipSpace(text);
+    const auto room = static_cast<unsigned>(MSEL_LINE_ROOM - std::string_view(entry.szName).size());
+    if (text.size() > room) {
+        MSG_ErrorLine(4019, text, room);
+    }
+    CMN_CopyText(entry.szDescription, text, room);
+}
+
+// Each entry of the name that is there already is told.
+void ReportRepeats(std::string_view name)
+{
+    for (const mselmodel* entry = gEntryNames.find(gpCurMsel->pModels, name); entry != nullptr;
+         entry = entry->pNext) {
+        if (name == entry->szName) {
+            MSG_ErrorLine(4025, name);
+        }
+    }
+}
+
+void ReadEntry(std::string_view text)
+{
+    const CMN_TokenList tokens = CMN_Split(text, 2);
+    if (tokens.iFound == 0) {
+        MSG_ErrorLine(4016);
+        return;
+    }
+    if (tokens.iFound == 1) {
+        MSG_ErrorLine(4011, tokens.iFound, "Model Selector", 2);
+    }
+    mselmodel* entry = nullptr;
+    if (!CMN_Alloc(entry)) {
+        MSG_ErrorLine(4008);
+        return;
+    }
+    FIELD_SetName(entry->szName, tokens[0], FIELD_NameLimit(), 4017);
+    // The other reserved words pass: a selector may offer a power or ground connection.
+    if (CMN_Equal(entry->szName, "NA")) {
+        MSG_ErrorLine(4018);
+    }
+    ReadDescription(*entry, text);
+    ReportRepeats(entry->szName);
+    gEntries.append(gpCurMsel->pModels, entry);
+}
+
+bool HasType(const msel* selector, nuibis_model_type type)
+{
+    ibis* root = nullptr;
+    if (!IBIS_GetCurrent(&root)) {
+        MSG_Bug(4020, __FILE_NAME__, __LINE__);
+        return false;
+    }
+    for (const mselmodel* entry = selector->pModels; entry != nullptr; entry = entry->pNext) {
+        nuibis_model_type found = MODEL_UNSEEN;
+        if (MDL_GetType(root->pModels, entry->szName, &found) && found == type) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void MSEL_Init()
+{
+    gpCurMsel = nullptr;
+    geMselKeyword = NOT_KEY;
+    ibis* root = nullptr;
+    if (!IBIS_GetCurrent(&root)) {
+        MSG_BugLine(4000, __FILE_NAME__, __LINE__);
+        return;
+    }
+    if (!CMN_Alloc(gpCurMsel)) {
+        MSG_ErrorLine(4007);
+        return;
+    }
+    gpCurMsel->eDiffUse = 2;
+    IBIS_Add<&ibis::pModelSelectors>(root, gpCurMsel);
+}
+
+void MSEL_Line(line_type lineType, nuibis_keyword code, std::string_view text)
+{
+    if (gpCurMsel == nullptr) {
+        if (lineType == LINE_KEYWORD) {
+            MSG_ErrorLine(4001);
+        } else {
+            MSG_ErrorLine(4002);
+        }
+        return;
+    }
+    if (lineType == LINE_KEYWORD) {
+        CMN_SkipKeyword(text);
+        geMselKeyword = code;
+        if (code == KEY_MODEL_SELECTOR) {
+            ReadName(text);
+        } else {
+            MSG_BugLine(4003, __FILE_NAME__, __LINE__);
+        }
+    } else if (lineType != LINE_DATA) {
+        MSG_BugLine(4004, __FILE_NAME__, __LINE__);
+    } else if (geMselKeyword == KEY_MODEL_SELECTOR) {
+        ReadEntry(text);
+    } else {
+        MSG_ErrorLine(4002);
+    }
+}
+
+void MSEL_FreeList(msel* list)
+{
+    gpCurMsel = nullptr;
+    gEntryNames.reset();
+    gSelectors.reset();
+    CMN_FreeList(list, [](msel& selector) { CMN_FreeList(selector.pModels); });
+}
+
+msel* MSEL_Find(std::string_view name, msel* list)
+{
+    return gSelectors.find(list, name);
+}
+
+int MSEL_Exists(std::string_view name, msel* list)
+{
+    return MSEL_Find(name, list) != nullptr ? 1 : 0;
+}
+
+bool MSEL_HasSeries(const msel* selector)
+{
+    return HasType(selector, MODEL_SERIES);
+}
+
+bool MSEL_HasSeriesSwitch(const msel* selector)
+{
+    return HasType(selector, MODEL_SERIES_SWITCH);
+}

@@ -1,0 +1,11 @@
+// Finds the declared version of a file ahead of its parse: the version decides which reader applies.
+
+#pragma once
+
+#include "ibis/source/nuibis_types.h"
+
+#include <string_view>
+
+/// Version of the first keyword of the file, which must be [IBIS Ver]; 0 if it is not. `*lineCount` is raised
+/// by the lines looked at. Lines ahead of the first keyword may be anything.
+ibis_ver CMN_SniffVersion(std::string_view name, int* lineCount, ibis_file_type type);
