@@ -11,21 +11,24 @@
 namespace
 {
 
-const std::map<std::string, ibis_file_type> FILE_TYPES{{"ibs", IBIS_FILE_IBS},
-                                                       {"pkg", IBIS_FILE_PKG},
-                                                       {"ebd", IBIS_FILE_EBD},
-                                                       {"ami", IBIS_FILE_AMI},
-                                                       {"param", IBIS_FILE_PARAM}};
-const std::map<std::string, OutputFormat> FORMATS{{"text", OutputFormat::Text}, {"json", OutputFormat::Json}};
+template <class Value> using Words = std::map<std::string, Value>;
 
-// The words of an option, without the numbers behind them.
-template <class Map> CLI::Validator OneOf(const Map& words)
+const Words<ibis_file_type> FILE_TYPES{{"ibs", IBIS_FILE_IBS},
+                                       {"pkg", IBIS_FILE_PKG},
+                                       {"ebd", IBIS_FILE_EBD},
+                                       {"ami", IBIS_FILE_AMI},
+                                       {"param", IBIS_FILE_PARAM}};
+const Words<OutputFormat> FORMATS{{"text", OutputFormat::Text}, {"json", OutputFormat::Json}};
+
+// An option that takes one of some words.
+template <class Value>
+void AddWordOption(CLI::App& app, const std::string& name, const Words<Value>& words, Value& value,
+                   const std::string& help)
 {
-    std::string names;
-    for (const auto& [word, value] : words) {
-        names += (names.empty() ? "" : ",") + word;
-    }
-    return CLI::CheckedTransformer(words).description("{" + names + "}");
+    app.add_option_function<std::string>(
+           name, [&words, &value](const std::string& word) { value = words.at(word); }, help)
+        ->check(CLI::IsMember(words))
+        ->type_name("WORD");
 }
 
 CLI::App* AddCheck(CLI::App& app, CheckOptions& options)
@@ -33,9 +36,9 @@ CLI::App* AddCheck(CLI::App& app, CheckOptions& options)
     CLI::App* const check =
         app.add_subcommand("check", "Check model files and print what is wrong with them");
     check->add_option("FILE", options.files, "Files to check, each on its own")->required();
-    check->add_option("--type", options.type, "Kind of the files; without it the extension tells")
-        ->transform(OneOf(FILE_TYPES));
-    check->add_option("--format", options.format, "How to print the findings")->transform(OneOf(FORMATS));
+    AddWordOption(*check, "--type", FILE_TYPES, options.type,
+                  "Kind of the files; without it the extension tells");
+    AddWordOption(*check, "--format", FORMATS, options.format, "How to print the findings");
     check->add_flag("--caution", options.caution, "Show cautions too");
     check->footer(
         "Exit status: 0 no errors, 1 errors found, 2 wrong usage or a file that could not be read.\n"
