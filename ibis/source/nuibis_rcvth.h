@@ -5,6 +5,8 @@
 
 #include "ibis/source/nuibis_cmn.h"
 
+#include <array>
+
 struct CMPNT;
 struct msel;
 struct nuibis_mdl;
@@ -27,6 +29,10 @@ struct rcvth {
     double* pdTslewAc;
     double* pdTdiffslewAc;
 };
+
+/// The words of Reference_supply, exactly as they are spelt.
+inline constexpr std::array<std::string_view, 5> RCVTH_SUPPLIES{"Power_clamp_ref", "Gnd_clamp_ref",
+                                                                "Pullup_ref", "Pulldown_ref", "Ext_ref"};
 
 /// The keyword line; a record that is there already is reported and freed. `*field` stays null only when
 /// memory is out.
