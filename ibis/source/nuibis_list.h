@@ -154,3 +154,24 @@ template <class T, auto Name> class LIST_Index
     T* mpFirst = nullptr;
     T* mpLast = nullptr;
 };
+
+/// Counts the records that bear a name, for rules that tell a repeat once for each earlier record. Keeps
+/// views of the names.
+class LIST_Repeats
+{
+  public:
+    /// How often the name was added before; 0 without memory.
+    unsigned add(std::string_view name)
+    {
+        try {
+            return mCounts[name]++;
+        } catch (const std::bad_alloc&) {
+            return 0;
+        }
+    }
+    /// To be called at the start of a list and before its records are freed.
+    void reset() { mCounts.clear(); }
+
+  private:
+    CMN_Map<std::string_view, unsigned> mCounts;
+};

@@ -6,6 +6,7 @@
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_idly.h"
 #include "ibis/source/nuibis_list.h"
+#include "ibis/source/nuibis_mdlemi.h"
 #include "ibis/source/nuibis_mspec.h"
 #include "ibis/source/nuibis_ramp.h"
 #include "ibis/source/nuibis_rcvth.h"
@@ -58,18 +59,8 @@ std::span<const std::string_view> TypeWords()
 // The value of "Name Word" in `words`, or 1 with a message. An equals sign has no place here.
 int ReadWord(std::string_view text, std::string_view name, std::span<const std::string_view> words)
 {
-    const CMN_TokenList tokens = CMN_SplitDelim(text, 2, '=');
-    if (tokens.iFound == 1) {
-        MSG_ErrorLine(175, name);
-    } else if (tokens.iFound > 2 && tokens[1] == "=") {
-        MSG_ErrorLine(176, name);
-    } else if (tokens.iFound > 2) {
-        MSG_ErrorLine(137, tokens.iFound, name, 2);
-    } else {
-        const int row = FIELD_FindWord(tokens[1], words, name, {136, 158});
-        return row < 0 ? 1 : row + FIRST_WORD_VALUE;
-    }
-    return 1;
+    const int row = FIELD_ReadWord(text, name, words, {175, 176, 137}, {136, 158});
+    return row < 0 ? 1 : row + FIRST_WORD_VALUE;
 }
 
 // Reads a word into a field that nothing was read into yet. A failed value counts as seen.
@@ -771,6 +762,16 @@ void CloseAlgorithmicModel(nuibis_keyword next)
     }
 }
 
+void OpenEmiModel(std::string_view text)
+{
+    MDLEMI_Init(text, &gpCurModel->pEmiModel);
+}
+
+void ReadEmiModel(std::string_view text)
+{
+    MDLEMI_Line(text, gpCurModel->pEmiModel);
+}
+
 void CloseEmiModel(nuibis_keyword next)
 {
     if (next != KEY_END_EMI_MODEL) {
@@ -829,7 +830,7 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_ISSO_PD, OpenCurve, ReadCurve, CloseCurve},
     {KEY_ISSO_PU, OpenCurve, ReadCurve, CloseCurve},
     {KEY_COMPOSITE_CURRENT, OpenComposite, ReadComposite, CloseComposite},
-    {KEY_BEGIN_EMI_MODEL, NotBuilt, NotBuilt, CloseEmiModel},
+    {KEY_BEGIN_EMI_MODEL, OpenEmiModel, ReadEmiModel, CloseEmiModel},
     {KEY_END_EMI_MODEL, NoAction, RefuseModelData, nullptr},
     {KEY_C_COMP_CORNER, OpenCornerCapacitances, ReadCornerCapacitances, CloseCornerCapacitances},
     {KEY_INITIAL_DELAY, OpenInitialDelay, ReadInitialDelay, nullptr},
@@ -881,6 +882,7 @@ void FreeContent(nuibis_mdl& model)
     RCVTH_Free(model.pReceiverThresholds);
     CCORNER_Free(model.pCCompCorner);
     IDLY_Free(model.pInitialDelay);
+    CMN_Release(model.pEmiModel);
 }
 
 }  // namespace
