@@ -90,6 +90,11 @@ std::string WriteTestFile(std::string_view name, std::string_view content)
     return path;
 }
 
+Lines StoredMessages()
+{
+    return Texts(*MSG_GetContainer());
+}
+
 Lines MessagesOfFile(const std::string& path, ibis_file_type type)
 {
     ForgetFormerRead();

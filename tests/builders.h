@@ -25,7 +25,9 @@ std::string WriteTestFile(std::string_view name, std::string_view content);
 /// What a fresh process would say: every stored text without its trailing newline, in order. The file is
 /// written as `name` and read by the kind that its extension tells.
 Lines Messages(std::string_view content, std::string_view name = "t.ibs");
-/// The same for a file that is there already.
+/// What is stored now, for a test that calls a part of the parser by itself.
+Lines StoredMessages();
+/// The same as `Messages` for a file that is there already.
 Lines MessagesOfFile(const std::string& path, ibis_file_type type);
 /// Only the messages that hold `part`.
 Lines MessagesWith(std::string_view part, std::string_view content, std::string_view name = "t.ibs");

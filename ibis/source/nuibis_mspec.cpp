@@ -12,8 +12,8 @@ unsigned guiSpecLine = 0;  // line of the [Model Spec] keyword, set by MSPEC_Ope
 
 constexpr MDL_TypeSet NEVER = 0;
 constexpr MDL_TypeSet NO_RECEIVER = MDL_ALL_TYPES & ~MDL_RECEIVERS;
-constexpr MDL_TypeSet NO_PULSE_DRIVE = MDL_SERIES_TYPES | MDL_Types({MODEL_TERMINATOR});
-constexpr MDL_TypeSet NO_DRIVER = NO_PULSE_DRIVE | MDL_Types({MODEL_INPUT, MODEL_INPUT_ECL});
+constexpr MDL_TypeSet NO_WEAK_DRIVE = MDL_SERIES_TYPES | MDL_Types({MODEL_TERMINATOR});
+constexpr MDL_TypeSet NO_DRIVER = NO_WEAK_DRIVE | MDL_Types({MODEL_INPUT, MODEL_INPUT_ECL});
 
 struct Parameter {
     std::string_view sName;
@@ -56,9 +56,9 @@ constexpr std::array<Parameter, 35> PARAMETERS{{
     {"D_overshoot_ampl_l", &mspec::pDOvershootAmplL, IBIS_VER_5, NEVER},
     {"D_overshoot_area_h", &mspec::pDOvershootAreaH, IBIS_VER_5, NEVER},
     {"D_overshoot_area_l", &mspec::pDOvershootAreaL, IBIS_VER_5, NEVER},
-    {"Weak_R", &mspec::pWeakR, IBIS_VER_5, NO_PULSE_DRIVE},
-    {"Weak_V", &mspec::pWeakV, IBIS_VER_5, NO_PULSE_DRIVE},
-    {"Weak_I", &mspec::pWeakI, IBIS_VER_5, NO_PULSE_DRIVE},
+    {"Weak_R", &mspec::pWeakR, IBIS_VER_5, NO_WEAK_DRIVE},
+    {"Weak_V", &mspec::pWeakV, IBIS_VER_5, NO_WEAK_DRIVE},
+    {"Weak_I", &mspec::pWeakI, IBIS_VER_5, NO_WEAK_DRIVE},
 }};
 
 // An item of the record that is being checked, under its name in messages.
