@@ -109,6 +109,16 @@ Lines MessagesWith(std::string_view part, std::string_view content, std::string_
     return lines;
 }
 
+Lines MessagesOf(const std::function<void()>& calls)
+{
+    MSG_ClearContainer();
+    geIbisVersion = IBIS_VER_5;
+    geFileType = IBIS_FILE_IBS;
+    guiLineNumber = 0;
+    calls();
+    return Texts(*MSG_GetContainer());
+}
+
 Lines Unfolded(Lines lines)
 {
     for (std::string& line : lines) {

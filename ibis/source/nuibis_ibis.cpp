@@ -4,6 +4,7 @@
 #include "ibis/source/nuibis_hdr.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_rcvth.h"
 
 #include <array>
 
@@ -14,6 +15,13 @@ namespace
 ibis* gpIbisList = nullptr;
 // Root of the innermost IBIS_Scope; null outside of one.
 ibis* gpScopeRoot = nullptr;
+
+void CheckReceivers(ibis& root)
+{
+    if (root.pModels != nullptr) {
+        RCVTH_CheckUse(root.pModels, root.pComponents, root.pModelSelectors);
+    }
+}
 
 void CheckComponents(ibis& root)
 {
@@ -34,7 +42,8 @@ void WarnUnreferenced(ibis& root)
 using Pass = void (*)(ibis& root);
 
 // The cross-checks of a component file, in their binding order.
-constexpr std::array<Pass, 2> PASSES{
+constexpr std::array<Pass, 3> PASSES{
+    CheckReceivers,
     CheckComponents,
     WarnUnreferenced,
 };
