@@ -251,10 +251,10 @@ TEST(Section, ItemsAndTheirFaults)
 
 TEST(OpenFile, ExtensionsAndCases)
 {
-    std::filesystem::create_directories(TestFolder() + "/d.x");
-    WriteTestFile("d.x/model.ibs", "x\n");
-    WriteTestFile("d.x/all.upper", "x\n");
-    const std::string folder = TestFolder() + "/d.x/";
+    std::filesystem::create_directories(TestFolder() + "/Dir.x");
+    WriteTestFile("Dir.x/model.ibs", "x\n");
+    WriteTestFile("Dir.x/all.upper", "x\n");
+    const std::string folder = TestFolder() + "/Dir.x/";
     const struct {
         std::string name;
         ibis_file_type type;

@@ -497,17 +497,19 @@ void CMPNT_FreeList(CMPNT* list)
 
 // Models on differential pins -----------------------------------------------------------------------------
 
-CMPNT_DiffPins::CMPNT_DiffPins(CMPNT* components, msel* selectors)
-try {
-    CMN_Vector<const CMPNT*> newestFirst;
-    for (const CMPNT* component = components; component != nullptr; component = component->pNext) {
-        newestFirst.push_back(component);
+CMPNT_DiffPins::CMPNT_DiffPins(const CMPNT* components, msel* selectors)
+{
+    try {
+        CMN_Vector<const CMPNT*> newestFirst;
+        for (; components != nullptr; components = components->pNext) {
+            newestFirst.push_back(components);
+        }
+        for (auto component = newestFirst.rbegin(); component != newestFirst.rend(); ++component) {
+            addComponent(**component, selectors);
+        }
+    } catch (const std::bad_alloc&) {
+        // Told by the allocation itself. What was found so far stands.
     }
-    for (auto component = newestFirst.rbegin(); component != newestFirst.rend(); ++component) {
-        addComponent(**component, selectors);
-    }
-} catch (const std::bad_alloc&) {
-    // Told by the allocation itself.
 }
 
 void CMPNT_DiffPins::addComponent(const CMPNT& component, msel* selectors)

@@ -152,7 +152,7 @@ void RCVTH_Free(rcvth* thresholds)
     CMN_Free(thresholds);
 }
 
-void RCVTH_CheckUse(nuibis_mdl* models, CMPNT* components, msel* selectors)
+void RCVTH_CheckUse(nuibis_mdl* models, const CMPNT* components, msel* selectors)
 {
     CMPNT_DiffPins pins(components, selectors);
     for (nuibis_mdl* model = models; model != nullptr; model = model->pNext) {

@@ -46,4 +46,4 @@ void RCVTH_Free(rcvth* thresholds);
 
 /// At the end of the file: whether a receiver stands on a differential pin decides which items it needs.
 /// Marks the models that do.
-void RCVTH_CheckUse(nuibis_mdl* models, CMPNT* components, msel* selectors);
+void RCVTH_CheckUse(nuibis_mdl* models, const CMPNT* components, msel* selectors);
