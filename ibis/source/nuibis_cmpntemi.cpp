@@ -4,7 +4,6 @@
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_pinemi.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -143,9 +142,8 @@ void ReadSubparameter(std::string_view text)
         ReadDomain(text);
         return;
     }
-    const auto* const row = std::find_if(CAPACITANCES.begin(), CAPACITANCES.end(),
-                                         [name](const Capacitance& c) { return c.sName == name; });
-    if (row == CAPACITANCES.end()) {
+    const Capacitance* const row = FIELD_FindByName(CAPACITANCES, name);
+    if (row == nullptr) {
         MSG_ErrorLine(4766);
         return;
     }

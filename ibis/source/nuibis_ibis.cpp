@@ -5,6 +5,8 @@
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
 #include "ibis/source/nuibis_rcvth.h"
+#include "ibis/source/nuibis_testdata.h"
+#include "ibis/source/nuibis_testload.h"
 
 #include <array>
 
@@ -32,6 +34,20 @@ void CheckComponents(ibis& root)
     CMPNT_CheckAll(root.pComponents, root.pCircuits, root.pModels);
 }
 
+void CheckTestData(ibis& root)
+{
+    if (root.pTestData != nullptr) {
+        TESTDATA_CheckAll(root.pTestData);
+    }
+}
+
+void CheckTestLoads(ibis& root)
+{
+    if (root.pTestLoads != nullptr) {
+        TESTLOAD_CheckAll(root.pTestLoads);
+    }
+}
+
 void WarnUnreferenced(ibis& root)
 {
     if (root.pModels != nullptr) {
@@ -42,10 +58,8 @@ void WarnUnreferenced(ibis& root)
 using Pass = void (*)(ibis& root);
 
 // The cross-checks of a component file, in their binding order.
-constexpr std::array<Pass, 3> PASSES{
-    CheckReceivers,
-    CheckComponents,
-    WarnUnreferenced,
+constexpr std::array<Pass, 5> PASSES{
+    CheckReceivers, CheckComponents, CheckTestData, CheckTestLoads, WarnUnreferenced,
 };
 
 }  // namespace
@@ -95,6 +109,8 @@ void IBIS_Free(ibis* root)
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
     MSEL_FreeList(root->pModelSelectors);
+    TESTDATA_FreeList(root->pTestData);
+    TESTLOAD_FreeList(root->pTestLoads);
     CMN_Free(root);
 }
 

@@ -13,8 +13,8 @@ struct submdl;
 struct PKGMDL;
 struct EBDMDL;
 struct msel;
-struct testdata;
-struct testload;
+struct TESTDATA;
+struct TESTLOAD;
 struct PFILE;
 struct EFILE;
 
@@ -29,8 +29,8 @@ struct ibis {
     PKGMDL* pPackageModels;  ///< [Define Package Model]
     EBDMDL* pBoards;         ///< [Begin Board Description]
     msel* pModelSelectors;   ///< [Model Selector]
-    testdata* pTestData;     ///< [Test Data]
-    testload* pTestLoads;    ///< [Test Load]
+    TESTDATA* pTestData;     ///< [Test Data]
+    TESTLOAD* pTestLoads;    ///< [Test Load]
     PFILE* pParamFiles;      ///< parameter files named by models
     EFILE* pCodeFiles;       ///< code files named by models
 };

@@ -23,15 +23,9 @@ void ReadWord(Enum& field, std::string_view text, std::string_view name,
 
 void MDLEMI_Init(std::string_view text, MDLEMI** emi)
 {
-    if (*emi != nullptr) {
-        MSG_ErrorLine(4800);
-        CMN_FreeAndClear(*emi);
-    }
-    if (!CMN_Alloc(*emi)) {
-        MSG_Bug(4804, __FILE_NAME__, __LINE__);
-        return;
-    }
-    FIELD_OpenBlock(text, "EMI Model", {4803, 4801});
+    static constexpr FIELD_RecordCodes codes{4800, 4804, {4803, 4801}};
+    const auto release = [](MDLEMI* former) { CMN_Free(former); };
+    FIELD_OpenRecord<MDLEMI>(text, "EMI Model", codes, release, emi);
 }
 
 void MDLEMI_Line(std::string_view text, MDLEMI* emi)

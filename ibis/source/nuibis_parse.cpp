@@ -6,6 +6,8 @@
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
 #include "ibis/source/nuibis_sniff.h"
+#include "ibis/source/nuibis_testdata.h"
+#include "ibis/source/nuibis_testload.h"
 
 #include <algorithm>
 #include <array>
@@ -205,6 +207,8 @@ constexpr std::array CIRCUITS{DROPPED, ADMITTED, NOT_IN_PKG, NOT_IN_PKG};  // th
 
 constexpr Module CMPNT{CMPNT_Init, CMPNT_Line, CMPNT_Leave};
 constexpr Module MDL{MDL_Init, MDL_Line, MDL_Leave};
+constexpr Module TESTDATA{TESTDATA_Init, TESTDATA_Line, TESTDATA_Leave};
+constexpr Module TESTLOAD{TESTLOAD_Init, TESTLOAD_Line, TESTLOAD_Leave};
 constexpr Module PKGMDL = NOT_BUILT;
 
 // The first row that holds a code in a version is its group. [External Circuit] lies within the component's range.
@@ -220,8 +224,8 @@ constexpr auto GROUPS = std::to_array<Group>({
     {KEY_BEGIN_BOARD_DESCRIPTION, KEY_END_BOARD_DESCRIPTION, KEY_BEGIN_BOARD_DESCRIPTION, V3, V61, BOARDS, NOT_BUILT},
     {KEY_MODEL_SELECTOR, KEY_MODEL_SELECTOR, KEY_MODEL_SELECTOR, V3, V61, IBS_ONLY, {MSEL_Init, MSEL_Line, nullptr}},
     {KEY_SUBMODEL, KEY_SUB_INITIAL_DELAY, KEY_SUBMODEL, V3, V61, IBS_ONLY, NOT_BUILT},
-    {KEY_TEST_DATA, KEY_DIFF_FALLING_WAVEFORM_FAR, KEY_TEST_DATA, V3, V61, IBS_ONLY, NOT_BUILT},
-    {KEY_TEST_LOAD, KEY_TEST_LOAD, KEY_TEST_LOAD, V3, V61, IBS_ONLY, NOT_BUILT},
+    {KEY_TEST_DATA, KEY_DIFF_FALLING_WAVEFORM_FAR, KEY_TEST_DATA, V3, V61, IBS_ONLY, TESTDATA},
+    {KEY_TEST_LOAD, KEY_TEST_LOAD, KEY_TEST_LOAD, V3, V61, IBS_ONLY, TESTLOAD},
 });
 // clang-format on
 

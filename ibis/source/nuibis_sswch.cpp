@@ -145,7 +145,7 @@ int SSWCH_ReadLine(std::string_view text, SSWCH** out)
 // The record being read is always the newest, so that only the tail can be it.
 bool SSWCH_Has(SSWCH*& list, const SSWCH* record)
 {
-    return list != nullptr && gTail.last(list) == record;
+    return gTail.last(list) == record;
 }
 
 void SSWCH_Add(SSWCH*& list, SSWCH* record)
