@@ -1,5 +1,6 @@
 #include "tests/builders.h"
 
+#include "ibis/interface/talibis_tool.h"
 #include "ibis/source/nuibis_msg.h"
 #include "ibis/source/nuibis_state.h"
 
@@ -98,6 +99,10 @@ Lines StoredMessages()
 Lines MessagesOfFile(const std::string& path, ibis_file_type type)
 {
     ForgetFormerRead();
+    if (type == IBIS_FILE_AMI) {  // declares no version, so it is read on its own
+        const IbisErrorContainer* const findings = talReadParameterFile(path.c_str(), type);
+        return Texts(findings == nullptr ? *talGetIbisError(nullptr) : *findings);
+    }
     TalIbis* handle = nullptr;
     return Texts(*talReadIbisFile(path.c_str(), type, &handle));
 }

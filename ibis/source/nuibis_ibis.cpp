@@ -1,6 +1,8 @@
 #include "ibis/source/nuibis_ibis.h"
 
+#include "ibis/source/nuibis_algmod.h"
 #include "ibis/source/nuibis_cmpnt.h"
+#include "ibis/source/nuibis_efile.h"
 #include "ibis/source/nuibis_hdr.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
@@ -23,6 +25,11 @@ void CheckReceivers(ibis& root)
     if (root.pModels != nullptr) {
         RCVTH_CheckUse(root.pModels, root.pComponents, root.pModelSelectors);
     }
+}
+
+void CheckAlgorithmicModels(ibis& root)
+{
+    ALGMOD_CheckModels(root.pModels);
 }
 
 void CheckComponents(ibis& root)
@@ -58,8 +65,8 @@ void WarnUnreferenced(ibis& root)
 using Pass = void (*)(ibis& root);
 
 // The cross-checks of a component file, in their binding order.
-constexpr std::array<Pass, 5> PASSES{
-    CheckReceivers, CheckComponents, CheckTestData, CheckTestLoads, WarnUnreferenced,
+constexpr std::array<Pass, 6> PASSES{
+    CheckReceivers, CheckAlgorithmicModels, CheckComponents, CheckTestData, CheckTestLoads, WarnUnreferenced,
 };
 
 }  // namespace
@@ -108,16 +115,20 @@ void IBIS_Free(ibis* root)
     HDR_FreeList(root->pHeaders);
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
+    PFILE_FreeList(root->pParamFiles);
+    EFILE_FreeList(root->pCodeFiles);
     MSEL_FreeList(root->pModelSelectors);
     TESTDATA_FreeList(root->pTestData);
     TESTLOAD_FreeList(root->pTestLoads);
     CMN_Free(root);
 }
 
-void IBIS_Finish(const char*, ibis_file_type type, int)
+void IBIS_Finish(const char* fileName, ibis_file_type type, int)
 {
     if (type == IBIS_FILE_IBS) {
         IBIS_CheckAll();
+    } else if (type == IBIS_FILE_AMI) {
+        ALGMOD_ReadAmiFile(fileName);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ibis/source/nuibis_mdl.h"
 
+#include "ibis/source/nuibis_algmod.h"
 #include "ibis/source/nuibis_ccorner.h"
 #include "ibis/source/nuibis_crv.h"
 #include "ibis/source/nuibis_field.h"
@@ -755,11 +756,22 @@ void RefuseUnknown(std::string_view)
 // A keyword whose block is known and not read yet: its lines are consumed in silence.
 void NotBuilt(std::string_view) {}
 
+void OpenAlgorithmicModel(std::string_view text)
+{
+    ALGMOD_Init(text, &gpCurModel->pAlgorithmicModel);
+}
+
+void ReadAlgorithmicModel(std::string_view text)
+{
+    ALGMOD_Line(text, gpCurModel->pAlgorithmicModel);
+}
+
 void CloseAlgorithmicModel(nuibis_keyword next)
 {
     if (next != KEY_END_ALGORITHMIC_MODEL) {
         MSG_ErrorLine(259);
     }
+    ALGMOD_CheckBits(gpCurModel->pAlgorithmicModel);
 }
 
 void OpenEmiModel(std::string_view text)
@@ -825,7 +837,7 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_SERIES_CURRENT, OpenSeriesCurrent, ReadSeriesCurrent, CloseSeriesCurrent},
     {KEY_SERIES_MOSFET, OpenSeriesMosfet, ReadSeriesMosfet, CloseSeriesMosfet},
     {KEY_ADD_SUBMODEL, OpenAddSubmodel, ReadAddSubmodel, nullptr},
-    {KEY_ALGORITHMIC_MODEL, NotBuilt, NotBuilt, CloseAlgorithmicModel},
+    {KEY_ALGORITHMIC_MODEL, OpenAlgorithmicModel, ReadAlgorithmicModel, CloseAlgorithmicModel},
     {KEY_END_ALGORITHMIC_MODEL, NoAction, RefuseModelData, nullptr},
     {KEY_ISSO_PD, OpenCurve, ReadCurve, CloseCurve},
     {KEY_ISSO_PU, OpenCurve, ReadCurve, CloseCurve},
@@ -883,6 +895,7 @@ void FreeContent(nuibis_mdl& model)
     CCORNER_Free(model.pCCompCorner);
     IDLY_Free(model.pInitialDelay);
     CMN_Release(model.pEmiModel);
+    ALGMOD_Free(model.pAlgorithmicModel);
 }
 
 }  // namespace

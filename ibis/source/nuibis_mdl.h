@@ -22,7 +22,7 @@ struct sinfo;
 struct ramp;
 struct wvfrm;
 struct EXTBLOCK;
-struct ALGMOD;
+struct ALGMOD_LIST;
 struct MDLEMI;
 struct idly;
 struct submdl;
@@ -90,15 +90,15 @@ struct nuibis_mdl {
     wvfrm* pRising;              ///< [Rising Waveform], file order
     wvfrm* pFalling;             ///< [Falling Waveform], file order
     EXTBLOCK* pExternalModel;    ///< [External Model]
-    ALGMOD* pAlgorithmicModel;   ///< [Algorithmic Model]
-    crv* pIssoPu;                ///< [ISSO_PU]
-    crv* pIssoPd;                ///< [ISSO_PD]
-    MDLEMI* pEmiModel;           ///< [Begin EMI Model]
-    idly* pInitialDelay;         ///< [Initial Delay] from 6.1 on
-    std::uint32_t uiReferenced;  ///< 1 once a pin, selector, schedule or series pin refers to the model
-    std::uint32_t eDiffUse;      ///< 2 at creation, 0 once found on a pin of a [Diff Pin] pair
-    rng* pVT;                    ///< line V-T of [Initial Delay] up to 6.0
-    rng* pIT;                    ///< line I-T of [Initial Delay] up to 6.0
+    ALGMOD_LIST* pAlgorithmicModel;  ///< [Algorithmic Model]
+    crv* pIssoPu;                    ///< [ISSO_PU]
+    crv* pIssoPd;                    ///< [ISSO_PD]
+    MDLEMI* pEmiModel;               ///< [Begin EMI Model]
+    idly* pInitialDelay;             ///< [Initial Delay] from 6.1 on
+    std::uint32_t uiReferenced;      ///< 1 once a pin, selector, schedule or series pin refers to the model
+    std::uint32_t eDiffUse;          ///< 2 at creation, 0 once found on a pin of a [Diff Pin] pair
+    rng* pVT;                        ///< line V-T of [Initial Delay] up to 6.0
+    rng* pIT;                        ///< line I-T of [Initial Delay] up to 6.0
 };
 
 // Sets of model types, for rules that name them -----------------------------------------------------------

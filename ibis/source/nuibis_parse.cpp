@@ -507,8 +507,7 @@ bool AppendText(std::span<const char> text, bool blank)
 
 void StartTextPass()
 {
-    CMN_Release(gpszFileText);
-    guiFileTextLength = guiFileTextCapacity = 0;
+    PARSE_FreeFileText();
     guiParamLineNumber = 0;
     gcCommentChar = '|';
     gszFileName[0] = '\0';
@@ -596,6 +595,12 @@ char PARSE_GetCommentChar()
 std::string_view PARSE_GetFileText()
 {
     return {gpszFileText, guiFileTextLength};
+}
+
+void PARSE_FreeFileText()
+{
+    CMN_Release(gpszFileText);
+    guiFileTextLength = guiFileTextCapacity = 0;
 }
 
 int PARSE_ReadFile(const char* name, ibis_file_type type)
