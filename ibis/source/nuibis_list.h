@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <new>
+#include <set>
 
 /// Appends to a list in constant time by remembering its last record. One object serves the list that is
 /// being read; it finds the end anew when it is handed another list.
@@ -63,6 +64,8 @@ template <class T> struct CMN_Allocator {
 
 template <class Key, class Value>
 using CMN_Map = std::map<Key, Value, std::less<Key>, CMN_Allocator<std::pair<const Key, Value>>>;
+
+template <class Key> using CMN_Set = std::set<Key, std::less<Key>, CMN_Allocator<Key>>;
 
 /// Finds records of a list by name, the first in list order winning. Follows a list that grows at its front
 /// or at its tail; records indexed once keep their names. Without memory for the index it walks the list.
