@@ -50,6 +50,31 @@ int FIELD_FindWord(std::string_view word, std::span<const std::string_view> word
     return -1;
 }
 
+std::string_view FIELD_ReadSetting(std::string_view text, std::string_view name,
+                                   const FIELD_SettingCodes& codes)
+{
+    const bool refusesEquals{codes.invalidLine};
+    const CMN_TokenList tokens = refusesEquals ? CMN_SplitDelim(text, 2, '=') : CMN_Split(text, 2);
+    if (tokens.iFound == 2) {
+        return tokens[1];
+    }
+    if (tokens.iFound < 2) {
+        MSG_ErrorLine(codes.missing, name);
+    } else if (refusesEquals && tokens[1] == "=") {
+        MSG_ErrorLine(codes.invalidLine, name);
+    } else {
+        MSG_ErrorLine(codes.wrongCount, tokens.iFound, name, 2);
+    }
+    return {};
+}
+
+int FIELD_ReadWord(std::string_view text, std::string_view name, std::span<const std::string_view> words,
+                   const FIELD_SettingCodes& settingCodes, const FIELD_WordCodes& wordCodes)
+{
+    const std::string_view word = FIELD_ReadSetting(text, name, settingCodes);
+    return word.data() == nullptr ? -1 : FIELD_FindWord(word, words, name, wordCodes);
+}
+
 bool FIELD_SetName(std::span<char> dst, std::string_view name, unsigned limit, MSG_Int1 tooLong)
 {
     CMN_CopyText(dst, name, limit);

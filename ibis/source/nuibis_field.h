@@ -37,6 +37,22 @@ struct FIELD_WordCodes {
 int FIELD_FindWord(std::string_view word, std::span<const std::string_view> words, std::string_view what,
                    const FIELD_WordCodes& codes);
 
+// One setting: "name word" ----------------------------------------------------------------------------------
+
+struct FIELD_SettingCodes {
+    MSG_Text1 missing;      ///< (name): nothing follows the name
+    MSG_Text1 invalidLine;  ///< (name): an equals sign follows it; 0 where "=" is a character as any other
+    MSG_Count wrongCount;   ///< (count, name, 2)
+};
+
+/// The word behind a subparameter's name; a view without data, with a message, unless the line has just these
+/// two.
+std::string_view FIELD_ReadSetting(std::string_view text, std::string_view name,
+                                   const FIELD_SettingCodes& codes);
+/// The row of that word in `words`, or -1 with a message.
+int FIELD_ReadWord(std::string_view text, std::string_view name, std::span<const std::string_view> words,
+                   const FIELD_SettingCodes& settingCodes, const FIELD_WordCodes& wordCodes);
+
 // A name into a fixed field -------------------------------------------------------------------------------
 
 /// Length that names of models and signals may have in the current version.

@@ -9,6 +9,7 @@
 #include <map>
 #include <new>
 #include <set>
+#include <vector>
 
 /// Appends to a list in constant time by remembering its last record. One object serves the list that is
 /// being read; it finds the end anew when it is handed another list.
@@ -66,6 +67,8 @@ template <class Key, class Value>
 using CMN_Map = std::map<Key, Value, std::less<Key>, CMN_Allocator<std::pair<const Key, Value>>>;
 
 template <class Key> using CMN_Set = std::set<Key, std::less<Key>, CMN_Allocator<Key>>;
+
+template <class T> using CMN_Vector = std::vector<T, CMN_Allocator<T>>;
 
 /// Finds records of a list by name, the first in list order winning. Follows a list that grows at its front
 /// or at its tail; records indexed once keep their names. Without memory for the index it walks the list.
@@ -139,4 +142,25 @@ template <class T, auto Name> class LIST_Index
     CMN_Map<std::string_view, T*> mNames;
     T* mpFirst = nullptr;
     T* mpLast = nullptr;
+};
+
+/// Counts the records that bear a name, for rules that tell a repeat once for each earlier record. Keeps views
+/// of the names.
+class LIST_Repeats
+{
+  public:
+    /// How often the name was added before; 0 without memory.
+    unsigned add(std::string_view name)
+    {
+        try {
+            return mCounts[name]++;
+        } catch (const std::bad_alloc&) {
+            return 0;
+        }
+    }
+    /// To be called at the start of a list and before its records are freed.
+    void reset() { mCounts.clear(); }
+
+  private:
+    CMN_Map<std::string_view, unsigned> mCounts;
 };

@@ -15,7 +15,7 @@ namespace
 msel* gpCurMsel = nullptr;
 nuibis_keyword geMselKeyword = NOT_KEY;
 LIST_Tail<mselmodel> gEntries;
-CMN_Map<std::string_view, unsigned> gEntryCounts;  // entries of the current selector by name
+LIST_Repeats gEntryRepeats;
 
 LIST_Index<msel, &msel::szName> gSelectors;  // follows the list that was last looked into
 
@@ -50,14 +50,12 @@ void ReadDescription(mselmodel& entry, std::string_view text)
     CMN_CopyText(entry.szDescription, text, room);
 }
 
-// Each entry of the name that is there already is told. The name lives as long as its entry.
+// Each entry of the name that is there already is told.
 void ReportRepeats(std::string_view name)
-try {
-    for (unsigned former = gEntryCounts[name]++; former > 0; --former) {
+{
+    for (unsigned former = gEntryRepeats.add(name); former > 0; --former) {
         MSG_ErrorLine(4025, name);
     }
-} catch (const std::bad_alloc&) {
-    // Told by the allocation itself.
 }
 
 void ReadEntry(std::string_view text)
@@ -156,7 +154,7 @@ void MSEL_Init()
 {
     gpCurMsel = nullptr;
     geMselKeyword = NOT_KEY;
-    gEntryCounts.clear();
+    gEntryRepeats.reset();
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_BugLine(4000, __FILE_NAME__, __LINE__);
@@ -222,7 +220,7 @@ try {
 void MSEL_FreeList(msel* list)
 {
     gpCurMsel = nullptr;
-    gEntryCounts.clear();
+    gEntryRepeats.reset();
     gSelectors.reset();
     CMN_FreeList(list, [](msel& selector) { CMN_FreeList(selector.pModels); });
 }
