@@ -109,6 +109,16 @@ Lines MessagesWith(std::string_view part, std::string_view content, std::string_
     return lines;
 }
 
+Lines Unfolded(Lines lines)
+{
+    for (std::string& line : lines) {
+        if (const std::size_t fold = line.find(" -\n    "); fold != std::string::npos) {
+            line.replace(fold, 7, " - ");
+        }
+    }
+    return lines;
+}
+
 TalIbis* ReadHandle(std::string_view content, std::string_view name)
 {
     ForgetFormerRead();

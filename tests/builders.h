@@ -28,6 +28,8 @@ Lines Messages(std::string_view content, std::string_view name = "t.ibs");
 Lines MessagesOfFile(const std::string& path, ibis_file_type type);
 /// Only the messages that hold `part`.
 Lines MessagesWith(std::string_view part, std::string_view content, std::string_view name = "t.ibs");
+/// The lines with folded messages on one line, for tests that are not about folding.
+Lines Unfolded(Lines lines);
 /// The handle of the file that was read, for queries; fails the test if there is none.
 TalIbis* ReadHandle(std::string_view content, std::string_view name = "t.ibs");
 

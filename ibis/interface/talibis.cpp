@@ -149,11 +149,13 @@ void TalIbis::getCompList(TalIbisListQueryData& list) const
 }
 
 void TalIbis::getCompListQt(std::vector<std::string>* names) const
-{
+try {
     names->clear();
     for (const CMPNT* component : InFileOrder(pIbis == nullptr ? nullptr : pIbis->pComponents)) {
         names->emplace_back(component->szName);
     }
+} catch (const std::bad_alloc&) {
+    names->clear();
 }
 
 void TalIbis::getPinList(const char* component, TalIbisListQueryData& list) const
@@ -197,7 +199,7 @@ bool TalIbis::getModelName(const char* component, nuibis_model_type type, int in
 
 void TalIbis::getPinModelListQt(std::vector<std::string>* pins, std::vector<std::string>* signals,
                                 std::vector<std::string>* models, const char* component) const
-{
+try {
     pins->clear();
     signals->clear();
     models->clear();
@@ -207,6 +209,10 @@ void TalIbis::getPinModelListQt(std::vector<std::string>* pins, std::vector<std:
         signals->emplace_back(pin->szSignal);
         models->emplace_back(pin->szModel);
     }
+} catch (const std::bad_alloc&) {
+    pins->clear();
+    signals->clear();
+    models->clear();
 }
 
 void TalIbis::getPinMapping(const char* component, const char* pin, TalIbisListQueryData& list) const

@@ -1,4 +1,94 @@
-int main()
+// The command line of the library.
+
+#include "tools/talibis/call.h"
+#include "tools/talibis/check.h"
+#include "tools/talibis/exit_status.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+
+namespace
 {
-    return 0;
+
+template <class Value> using Words = std::map<std::string, Value>;
+
+const Words<ibis_file_type> FILE_TYPES{{"ibs", IBIS_FILE_IBS},
+                                       {"pkg", IBIS_FILE_PKG},
+                                       {"ebd", IBIS_FILE_EBD},
+                                       {"ami", IBIS_FILE_AMI},
+                                       {"param", IBIS_FILE_PARAM}};
+const Words<OutputFormat> FORMATS{{"text", OutputFormat::Text}, {"json", OutputFormat::Json}};
+
+// An option that takes one of some words.
+template <class Value>
+void AddWordOption(CLI::App& app, const std::string& name, const Words<Value>& words, Value& value,
+                   const std::string& help)
+{
+    app.add_option_function<std::string>(
+           name, [&words, &value](const std::string& word) { value = words.at(word); }, help)
+        ->check(CLI::IsMember(words))
+        ->type_name("WORD");
+}
+
+CLI::App* AddCheck(CLI::App& app, CheckOptions& options)
+{
+    CLI::App* const check =
+        app.add_subcommand("check", "Check model files and print what is wrong with them");
+    check->add_option("FILE", options.files, "Files to check, each on its own")->required();
+    AddWordOption(*check, "--type", FILE_TYPES, options.type,
+                  "Kind of the files; without it the extension tells");
+    AddWordOption(*check, "--format", FORMATS, options.format, "How to print the findings");
+    check->add_flag("--caution", options.caution, "Show cautions too");
+    check->footer(
+        "Exit status: 0 no errors, 1 errors found, 2 wrong usage or a file that could not be read.\n"
+        "json prints one object a file and line: path, type, status and messages.");
+    return check;
+}
+
+CLI::App* AddCall(CLI::App& app, std::string& function, std::vector<std::string>& parameters)
+{
+    CLI::App* const call = app.add_subcommand("call", "Call a script function and print its value as JSON");
+    call->add_option("FUNCTION", function, "Name of the function, such as deGetIbisPinList")->required();
+    call->add_option("PARAMETER", parameters,
+                     "File name, file type (ibs, pkg, ebd) and what the function takes;\n"
+                     "int:3 is an integer, anything else a string");
+    call->footer(
+        "Prints [[status, \"error text\"], payload]: status 0 is success, -1 an error, 1 nothing found,\n"
+        "2 a partial answer.");
+    return call;
+}
+
+int Run(int argc, char** argv)
+{
+    CLI::App app{"Reads, checks and queries IBIS signal-integrity model files", "talibis"};
+    app.set_version_flag("--version", "talibis " TALIBIS_VERSION);
+    app.require_subcommand(1);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return "talibis: " + std::string(error.what()) + " (see talibis --help)\n";
+    });
+
+    CheckOptions options;
+    const CLI::App* const check = AddCheck(app, options);
+    std::string function;
+    std::vector<std::string> parameters;
+    AddCall(app, function, parameters);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == EXIT_CLEAN ? EXIT_CLEAN : EXIT_UNUSABLE;
+    }
+    return check->parsed() ? RunCheck(options) : RunCall(function, parameters);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& failure) {
+        std::cerr << "talibis: " << failure.what() << '\n';
+        return EXIT_UNUSABLE;
+    }
 }

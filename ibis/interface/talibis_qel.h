@@ -1,0 +1,11 @@
+// Registration of the script functions with the host's extension language.
+
+#pragma once
+
+#include "ibis/source/nuibis_types.h"
+#include "platform/qelrt.h"
+
+/// Registers all script functions with the runtime; true if it took them.
+TALIBIS_API bool talIbis_qel_initialize();
+/// The table that is registered, for tools that list the functions.
+TALIBIS_API const QEL_TABLE* talIbis_qel_table();

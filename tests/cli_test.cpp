@@ -1,0 +1,139 @@
+// The command line, run as a user runs it.
+
+#include "tests/builders.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <sys/wait.h>
+
+namespace
+{
+
+using nlohmann::json;
+
+struct Result {
+    int status;
+    std::string out;
+};
+
+// Runs the program with these shell words and gives what it prints, with or without its standard error.
+Result RunTalibis(const std::string& words, bool withErrors = false)
+{
+    const std::string command =
+        std::string("'") + TALIBIS_PROGRAM + "' " + words + (withErrors ? " 2>&1" : " 2>/dev/null");
+    std::FILE* const pipe = popen(command.c_str(), "r");
+    std::string out;
+    char block[4096];
+    for (std::size_t got = 0; (got = std::fread(block, 1, sizeof block, pipe)) > 0;) {
+        out.append(block, got);
+    }
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
+}
+
+std::string Quoted(const std::string& path)
+{
+    return "'" + path + "'";
+}
+
+std::vector<json> Objects(const std::string& out)
+{
+    std::vector<json> objects;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);) {
+        objects.push_back(json::parse(line));
+    }
+    return objects;
+}
+
+}  // namespace
+
+TEST(CommandLine, CheckPrintsTextsAndASummary)
+{
+    const std::string faulty = WriteTestFile("faulty.ibs", Header("5.1", "faulty.ibs") + "[End]\n");
+    EXPECT_EQ(RunTalibis("check " + Quoted(faulty)).out,
+              "ERROR - Required keyword 'Component' not found.\n" + faulty + ": 1 error, 0 warnings\n");
+    EXPECT_EQ(RunTalibis("check " + Quoted(faulty)).status, 1);
+    const std::string same = WriteTestFile("t.ibs", Ibs(Model("M"), "6.1"));
+    // Behind a 6.1 file the next one is not read under its rules: each has a process of its own.
+    const Result both = RunTalibis("check " + Quoted(same) + " " + Quoted(same));
+    EXPECT_EQ(both.out, same + ": no findings\n" + same + ": no findings\n");
+    EXPECT_EQ(both.status, 0);
+    EXPECT_EQ(RunTalibis("check /no/such.ibs").status, 2);
+    EXPECT_EQ(RunTalibis("check " + Quoted(same) + " /no/such.ibs").out,
+              same + ": no findings\nERROR - Unable To Open File '/no/such.ibs'\n");
+}
+
+TEST(CommandLine, CheckPrintsJson)
+{
+    const std::string faulty =
+        WriteTestFile("faulty.ibs", Header("5.1", "faulty.ibs") + "[Bad]\n[Model] M\n[End]\n");
+    const std::string pkg = WriteTestFile("p.PKG", Header("5.1", "p.pkg") + "[End]\n");
+    const Result result =
+        RunTalibis("check --format json " + Quoted(faulty) + " " + Quoted(pkg) + " /no/such.ebd");
+    EXPECT_EQ(result.status, 2);
+    const std::vector<json> objects = Objects(result.out);
+    ASSERT_EQ(objects.size(), 3U);
+    EXPECT_EQ(objects[0]["path"], faulty);
+    EXPECT_EQ(objects[0]["type"], "ibs");
+    EXPECT_EQ(objects[0]["status"], "errors");
+    EXPECT_EQ(objects[0]["messages"][0], (json{{"severity", "error"},
+                                               {"code", 916},
+                                               {"line", 4},
+                                               {"text", "ERROR (line    4) - Invalid Keyword: Bad\n"}}));
+    EXPECT_EQ(objects[1]["type"], "pkg");
+    EXPECT_EQ(objects[1]["status"], "clean");
+    EXPECT_EQ(objects[2]["type"], "ebd");
+    EXPECT_EQ(objects[2]["status"], "unreadable");
+    EXPECT_EQ(objects[2]["messages"][0]["line"], json());
+}
+
+TEST(CommandLine, CautionsAndTypesAreAsked)
+{
+    const std::string file =
+        WriteTestFile("t.ibs", Ibs("[Model] M\nModel_type I/O\nVinl = 1\nVinh = 2\nVmeas = 2\nC_comp 1p 1p "
+                                   "1p\n[Voltage Range] 3 3 3\n"));
+    EXPECT_EQ(RunTalibis("check " + Quoted(file)).out.find("CAUTION"), std::string::npos);
+    EXPECT_NE(
+        RunTalibis("check --caution " + Quoted(file)).out.find("CAUTION - Vmeas is >= Vinh for model M\n"),
+        std::string::npos);
+    EXPECT_EQ(Objects(RunTalibis("check --format json --type param " + Quoted(file)).out)[0]["type"],
+              "param");
+    EXPECT_EQ(
+        Objects(
+            RunTalibis("check --format json " + Quoted(WriteTestFile("notes.txt", "x\n"))).out)[0]["type"],
+        "param");
+}
+
+TEST(CommandLine, CallPrintsOneValue)
+{
+    const std::string file = Quoted(WriteTestFile("t.ibs", Bare(Component("U1", "A1 s NC 1 2n NA\n"))));
+    EXPECT_EQ(RunTalibis("call deGetIbisCompList " + file + " ibs").out, "[[0,\"\"],[\"U1\"]]\n");
+    EXPECT_EQ(RunTalibis("call deGetIbisPinList " + file + " ibs U1").out, "[[0,\"\"],[\"A1\"]]\n");
+    EXPECT_EQ(RunTalibis("call deGetIbisC_pin " + file + " ibs U1 A1").out, "[[0,\"\"],\"NA\"]\n");
+    EXPECT_EQ(RunTalibis("call deGetIbisVersion " + file + " ibs").out, "[[0,\"\"],\"5.1\"]\n");
+    EXPECT_EQ(RunTalibis("call deGetIbisPinList " + file + " ibs", true).out,
+              "talibis: parameter 2 of deGetIbisPinList: string parameter is expected (304)\n"
+              "[[-1,\"Wrong parameter\"],[]]\n");
+    EXPECT_EQ(RunTalibis("call deGetIbisPinList " + file + " ibs int:3").out,
+              "[[-1,\"Wrong parameter\"],[]]\n");
+    EXPECT_EQ(RunTalibis("call deGetIbisPinList").out, "[[-1,\"File reading failed\"],[]]\n");
+    EXPECT_EQ(RunTalibis("call deCheckIbisData /no/such.ibs ibs").out,
+              "[[-1,\"ERROR - Unable To Open File '/no/such.ibs'\\n\"],[]]\n");
+    EXPECT_EQ(RunTalibis("call deNoFunction").status, 2);
+}
+
+TEST(CommandLine, WrongUsageIsOneClearLine)
+{
+    for (const char* words :
+         {"--nonsense", "check", "check --format xml x", "check --type doc x", "", "guess"}) {
+        const Result result = RunTalibis(words, true);
+        EXPECT_EQ(result.status, 2) << words;
+        EXPECT_TRUE(result.out.starts_with("talibis: ")) << result.out;
+        EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1) << result.out;
+    }
+    EXPECT_EQ(RunTalibis("--help").status, 0);
+    EXPECT_TRUE(RunTalibis("--version").out.starts_with("talibis "));
+}
