@@ -16,22 +16,33 @@
 template <class T> class LIST_Tail
 {
   public:
-    /// Appends and gives the length of the list with the new record.
+    /// Appends and gives the length of the list with the new record. A `pPrev`, where records have one, is
+    /// set.
     unsigned append(T*& head, T* record)
     {
-        if (mpHead != &head || head == nullptr) {
-            rebind(head);
-        }
+        bind(head);
         (mpLast == nullptr ? head : mpLast->pNext) = record;
+        if constexpr (requires { record->pPrev; }) {
+            record->pPrev = mpLast;
+        }
         mpLast = record;
         return ++muiCount;
     }
-    /// The last record appended, or null.
-    T* last() const { return mpLast; }
+    /// The last record of a list, or null.
+    T* last(T*& head)
+    {
+        bind(head);
+        return mpLast;
+    }
+    /// Whether this list is the one whose end is known.
+    bool follows(T*& head) const { return mpHead == &head; }
 
   private:
-    void rebind(T*& head)
+    void bind(T*& head)
     {
+        if (follows(head) && head != nullptr) {
+            return;
+        }
         mpHead = &head;
         mpLast = nullptr;
         muiCount = 0;

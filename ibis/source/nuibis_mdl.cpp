@@ -1,12 +1,17 @@
 #include "ibis/source/nuibis_mdl.h"
 
+#include "ibis/source/nuibis_crv.h"
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_list.h"
+#include "ibis/source/nuibis_ramp.h"
 #include "ibis/source/nuibis_rng.h"
+#include "ibis/source/nuibis_sinfo.h"
+#include "ibis/source/nuibis_wvfrm.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace
 {
@@ -14,9 +19,11 @@ namespace
 constexpr unsigned SUBMODEL_NAME_LIMIT = 40;
 
 // Module state, reset by MDL_Init; valid only during a read.
-nuibis_mdl* gpCurModel = nullptr;         // model being read
-nuibis_keyword geModelKeyword = NOT_KEY;  // keyword whose lines are being read
-sinfo* gpCurSeries = nullptr;             // series record that receives the series keywords
+nuibis_mdl* gpCurModel = nullptr;            // model being read
+nuibis_keyword geModelKeyword = NOT_KEY;     // keyword whose lines are being read
+nuibis_keyword gePreviousKeyword = NOT_KEY;  // keyword before it
+sinfo* gpCurSeries = nullptr;                // series record that receives the series keywords
+wvfrm* gpCurCompositeOwner = nullptr;        // waveform that receives the rows of [Composite Current]
 LIST_Tail<addsubmdl> gAddSubmodels;
 
 LIST_Index<nuibis_mdl, &nuibis_mdl::szName> gModels;  // follows the list that was last looked into
@@ -300,11 +307,16 @@ constexpr std::array<TripleKeyword, 13> KEYWORD_TRIPLES{{
     {KEY_TTPOWER, "TTpower", &nuibis_mdl::pTTpower},
 }};
 
+// The row of the keyword in force, which the table holds.
+template <class Row, std::size_t N> const Row& CurrentRow(const std::array<Row, N>& rows)
+{
+    return *std::find_if(rows.begin(), rows.end(), [](const Row& r) { return r.eCode == geModelKeyword; });
+}
+
 void ReadTripleKeyword(std::string_view text)
 {
-    const auto* const row = std::find_if(KEYWORD_TRIPLES.begin(), KEYWORD_TRIPLES.end(),
-                                         [](const TripleKeyword& k) { return k.eCode == geModelKeyword; });
-    MDL_ReadKeywordTriple(text, row->sLabel, &(gpCurModel->*row->ppField));
+    const TripleKeyword& row = CurrentRow(KEYWORD_TRIPLES);
+    MDL_ReadKeywordTriple(text, row.sLabel, &(gpCurModel->*row.ppField));
 }
 
 // The words say "> 0", and a transit time of 0.0 s passes all the same.
@@ -346,6 +358,220 @@ void ReadOldDelay(std::string_view text)
         RNG_Free(*field);
         *field = nullptr;
         RNG_Read(text.substr(3), text.substr(0, 3), field, true);
+    }
+}
+
+// Tables --------------------------------------------------------------------------------------------------
+
+struct CurveKeyword {
+    nuibis_keyword eCode;
+    std::string_view sLabel;
+    std::string_view sCloseLabel;
+    crv* nuibis_mdl::*ppField;
+};
+
+constexpr std::array<CurveKeyword, 6> CURVES{{
+    {KEY_PULLDOWN, "Pulldown", "Pulldown", &nuibis_mdl::pPulldown},
+    {KEY_PULLUP, "Pullup", "Pullup", &nuibis_mdl::pPullup},
+    {KEY_GND_CLAMP, "GND Clamp", "GND Clamp", &nuibis_mdl::pGndClamp},
+    {KEY_POWER_CLAMP, "POWER Clamp", "POWER Clamp", &nuibis_mdl::pPowerClamp},
+    {KEY_ISSO_PD, "ISSO_PD", "ISSO PD", &nuibis_mdl::pIssoPd},
+    {KEY_ISSO_PU, "ISSO_PU", "ISSO PU", &nuibis_mdl::pIssoPu},
+}};
+
+void OpenCurve(std::string_view text)
+{
+    const CurveKeyword& row = CurrentRow(CURVES);
+    CRV_Open(text, row.sLabel, &(gpCurModel->*row.ppField));
+}
+
+void ReadCurve(std::string_view text)
+{
+    const CurveKeyword& row = CurrentRow(CURVES);
+    CRV_AddLine(text, gpCurModel->*row.ppField, row.sLabel);
+}
+
+void CloseTable(const crv* table, std::string_view label)
+{
+    CRV_Close(gpCurModel->szName, gpCurModel->eModelType, geModelKeyword, table, label, "Model");
+}
+
+void CloseCurve(nuibis_keyword)
+{
+    const CurveKeyword& row = CurrentRow(CURVES);
+    CloseTable(gpCurModel->*row.ppField, row.sCloseLabel);
+}
+
+void OpenRamp(std::string_view text)
+{
+    RAMP_Open(text, &gpCurModel->pRamp);
+}
+
+void ReadRamp(std::string_view text)
+{
+    RAMP_Line(text, gpCurModel->pRamp, gpCurModel->szName);
+}
+
+void CloseRamp(nuibis_keyword)
+{
+    RAMP_Close(gpCurModel->pRamp);
+}
+
+struct WaveformKeyword {
+    nuibis_keyword eCode;
+    std::string_view sLabel;
+    std::string_view sCloseLabel;
+    wvfrm* nuibis_mdl::*ppList;
+};
+
+constexpr std::array<WaveformKeyword, 2> WAVEFORMS{{
+    {KEY_RISING_WAVEFORM, "Rising Waveform", "Rising", &nuibis_mdl::pRising},
+    {KEY_FALLING_WAVEFORM, "Falling Waveform", "Falling", &nuibis_mdl::pFalling},
+}};
+
+void OpenWaveform(std::string_view text)
+{
+    const WaveformKeyword& row = CurrentRow(WAVEFORMS);
+    WVFRM_Open(text, gpCurModel->*row.ppList, row.sLabel);
+}
+
+void ReadWaveform(std::string_view text)
+{
+    WVFRM_Line(text, CurrentRow(WAVEFORMS).sLabel);
+}
+
+void CloseWaveform(nuibis_keyword)
+{
+    WVFRM_Close(CurrentRow(WAVEFORMS).sCloseLabel, WVFRM_DRIVER);
+}
+
+// The supply current belongs to the waveform right before it.
+void OpenComposite(std::string_view text)
+{
+    if (gePreviousKeyword != KEY_RISING_WAVEFORM && gePreviousKeyword != KEY_FALLING_WAVEFORM) {
+        MSG_ErrorLine(257);
+        return;
+    }
+    const bool rising = gePreviousKeyword == KEY_RISING_WAVEFORM;
+    gpCurCompositeOwner = WVFRM_Last(rising ? gpCurModel->pRising : gpCurModel->pFalling);
+    if (gpCurCompositeOwner == nullptr) {
+        return;
+    }
+    wvfrm*& composite = gpCurCompositeOwner->pComposite;
+    if (composite != nullptr) {
+        MSG_BugLine(263);
+        WVFRM_Free(composite);
+        composite = nullptr;
+    }
+    WVFRM_Open(text, composite, "Composite Current");
+}
+
+void ReadComposite(std::string_view text)
+{
+    if (gpCurCompositeOwner != nullptr) {
+        WVFRM_Line(text, "Composite Current");
+    }
+}
+
+void CloseComposite(nuibis_keyword)
+{
+    if (gpCurCompositeOwner != nullptr) {
+        WVFRM_Close("Composite Current", WVFRM_COMPOSITE);
+        gpCurCompositeOwner = nullptr;
+    }
+}
+
+// Series elements -----------------------------------------------------------------------------------------
+
+void OpenSwitchState(std::string_view text, sinfo* nuibis_mdl::*field, std::string_view label)
+{
+    if (gpCurModel->eModelType != MODEL_SERIES_SWITCH) {
+        MSG_ErrorLine(205);
+        return;
+    }
+    SINFO_Open(text, &(gpCurModel->*field), label);
+    gpCurSeries = gpCurModel->*field;
+}
+
+void OpenOn(std::string_view text)
+{
+    OpenSwitchState(text, &nuibis_mdl::pOn, "[On]");
+}
+
+void OpenOff(std::string_view text)
+{
+    OpenSwitchState(text, &nuibis_mdl::pOff, "[Off]");
+}
+
+// Whether the model takes series elements. Their record is that of the last [On] or [Off]; a plain Series
+// model has neither keyword and keeps its elements where a switch has those of its closed state.
+bool RequireSeries()
+{
+    if (!MDL_IsOneOf(gpCurModel->eModelType, MDL_SERIES_TYPES)) {
+        MSG_ErrorLine(206);
+        return false;
+    }
+    if (gpCurSeries != nullptr) {
+        return true;
+    }
+    if (gpCurModel->eModelType == MODEL_SERIES_SWITCH) {
+        MSG_ErrorLine(207);
+    }
+    if (gpCurModel->pOn == nullptr && !SINFO_Create(&gpCurModel->pOn)) {
+        return false;
+    }
+    gpCurSeries = gpCurModel->pOn;
+    return true;
+}
+
+void ReadSeriesTriple(std::string_view text)
+{
+    if (RequireSeries()) {
+        const SINFO_Triple& row = CurrentRow(SINFO_TRIPLES);
+        MDL_ReadKeywordTriple(text, row.sLabel, &(gpCurSeries->*row.ppField));
+    }
+}
+
+void OpenSeriesCurrent(std::string_view text)
+{
+    if (RequireSeries()) {
+        CRV_Open(text, "Series_Current", &gpCurSeries->pSeriesCurrent);
+    }
+}
+
+void ReadSeriesCurrent(std::string_view text)
+{
+    if (RequireSeries()) {
+        CRV_AddLine(text, gpCurSeries->pSeriesCurrent, "Series_Current");
+    }
+}
+
+void CloseSeriesCurrent(nuibis_keyword)
+{
+    if (gpCurSeries != nullptr) {
+        CloseTable(gpCurSeries->pSeriesCurrent, "Series_Current");
+    }
+}
+
+void OpenSeriesMosfet(std::string_view text)
+{
+    smos* record = nullptr;
+    if (RequireSeries() && SMOS_Open(text, gpCurSeries->pSeriesMosfet, &record)) {
+        CRV_Open(text, "Series_MOSFET", &record->pTable);
+    }
+}
+
+void ReadSeriesMosfet(std::string_view text)
+{
+    if (RequireSeries()) {
+        SMOS_Line(text);
+    }
+}
+
+void CloseSeriesMosfet(nuibis_keyword)
+{
+    if (gpCurSeries != nullptr && gpCurSeries->pSeriesMosfet != nullptr) {
+        SMOS_Close(gpCurModel, geModelKeyword);
     }
 }
 
@@ -471,38 +697,38 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_POWER_CLAMP_REFERENCE, ReadTripleKeyword, RefuseData, nullptr},
     {KEY_GND_CLAMP_REFERENCE, ReadTripleKeyword, RefuseData, nullptr},
     {KEY_EXTERNAL_REFERENCE, ReadTripleKeyword, RefuseData, nullptr},
-    {KEY_PULLDOWN, NotBuilt, NotBuilt, nullptr},
-    {KEY_PULLUP, NotBuilt, NotBuilt, nullptr},
-    {KEY_GND_CLAMP, NotBuilt, NotBuilt, nullptr},
-    {KEY_POWER_CLAMP, NotBuilt, NotBuilt, nullptr},
+    {KEY_PULLDOWN, OpenCurve, ReadCurve, CloseCurve},
+    {KEY_PULLUP, OpenCurve, ReadCurve, CloseCurve},
+    {KEY_GND_CLAMP, OpenCurve, ReadCurve, CloseCurve},
+    {KEY_POWER_CLAMP, OpenCurve, ReadCurve, CloseCurve},
     {KEY_RGND, ReadTripleKeyword, RefuseData, nullptr},
     {KEY_RPOWER, ReadTripleKeyword, RefuseData, nullptr},
     {KEY_RAC, ReadTripleKeyword, RefuseData, nullptr},
     {KEY_CAC, ReadTripleKeyword, RefuseData, nullptr},
-    {KEY_RAMP, NotBuilt, NotBuilt, nullptr},
-    {KEY_RISING_WAVEFORM, NotBuilt, NotBuilt, nullptr},
-    {KEY_FALLING_WAVEFORM, NotBuilt, NotBuilt, nullptr},
+    {KEY_RAMP, OpenRamp, ReadRamp, CloseRamp},
+    {KEY_RISING_WAVEFORM, OpenWaveform, ReadWaveform, CloseWaveform},
+    {KEY_FALLING_WAVEFORM, OpenWaveform, ReadWaveform, CloseWaveform},
     {KEY_TTGND, ReadTTgnd, RefuseData, nullptr},
     {KEY_TTPOWER, ReadTTpower, RefuseData, nullptr},
     {KEY_MODEL_SPEC, NotBuilt, NotBuilt, nullptr},
     {KEY_RECEIVER_THRESHOLDS, NotBuilt, NotBuilt, nullptr},
     {KEY_DRIVER_SCHEDULE, NotBuilt, NotBuilt, nullptr},
-    {KEY_ON, NotBuilt, RefuseData, nullptr},
-    {KEY_OFF, NotBuilt, RefuseData, nullptr},
-    {KEY_R_SERIES, NotBuilt, RefuseData, nullptr},
-    {KEY_L_SERIES, NotBuilt, RefuseData, nullptr},
-    {KEY_RL_SERIES, NotBuilt, RefuseData, nullptr},
-    {KEY_C_SERIES, NotBuilt, RefuseData, nullptr},
-    {KEY_LC_SERIES, NotBuilt, RefuseData, nullptr},
-    {KEY_RC_SERIES, NotBuilt, RefuseData, nullptr},
-    {KEY_SERIES_CURRENT, NotBuilt, NotBuilt, nullptr},
-    {KEY_SERIES_MOSFET, NotBuilt, NotBuilt, nullptr},
+    {KEY_ON, OpenOn, RefuseData, nullptr},
+    {KEY_OFF, OpenOff, RefuseData, nullptr},
+    {KEY_R_SERIES, ReadSeriesTriple, RefuseData, nullptr},
+    {KEY_L_SERIES, ReadSeriesTriple, RefuseData, nullptr},
+    {KEY_RL_SERIES, ReadSeriesTriple, RefuseData, nullptr},
+    {KEY_C_SERIES, ReadSeriesTriple, RefuseData, nullptr},
+    {KEY_LC_SERIES, ReadSeriesTriple, RefuseData, nullptr},
+    {KEY_RC_SERIES, ReadSeriesTriple, RefuseData, nullptr},
+    {KEY_SERIES_CURRENT, OpenSeriesCurrent, ReadSeriesCurrent, CloseSeriesCurrent},
+    {KEY_SERIES_MOSFET, OpenSeriesMosfet, ReadSeriesMosfet, CloseSeriesMosfet},
     {KEY_ADD_SUBMODEL, OpenAddSubmodel, ReadAddSubmodel, nullptr},
     {KEY_ALGORITHMIC_MODEL, NotBuilt, NotBuilt, CloseAlgorithmicModel},
     {KEY_END_ALGORITHMIC_MODEL, NoAction, RefuseModelData, nullptr},
-    {KEY_ISSO_PD, NotBuilt, NotBuilt, nullptr},
-    {KEY_ISSO_PU, NotBuilt, NotBuilt, nullptr},
-    {KEY_COMPOSITE_CURRENT, NotBuilt, NotBuilt, nullptr},
+    {KEY_ISSO_PD, OpenCurve, ReadCurve, CloseCurve},
+    {KEY_ISSO_PU, OpenCurve, ReadCurve, CloseCurve},
+    {KEY_COMPOSITE_CURRENT, OpenComposite, ReadComposite, CloseComposite},
     {KEY_BEGIN_EMI_MODEL, NotBuilt, NotBuilt, CloseEmiModel},
     {KEY_END_EMI_MODEL, NoAction, RefuseModelData, nullptr},
     {KEY_C_COMP_CORNER, NotBuilt, NotBuilt, nullptr},
@@ -543,6 +769,14 @@ void FreeContent(nuibis_mdl& model)
     RNG_Free(model.pVT);
     RNG_Free(model.pIT);
     CMN_FreeList(model.pAddSubmodels);
+    for (const CurveKeyword& curve : CURVES) {
+        CRV_Free(model.*curve.ppField);
+    }
+    RAMP_Free(model.pRamp);
+    WVFRM_Free(model.pRising);
+    WVFRM_Free(model.pFalling);
+    SINFO_Free(model.pOn);
+    SINFO_Free(model.pOff);
 }
 
 }  // namespace
@@ -550,8 +784,9 @@ void FreeContent(nuibis_mdl& model)
 void MDL_Init()
 {
     gpCurModel = nullptr;
-    geModelKeyword = NOT_KEY;
+    geModelKeyword = gePreviousKeyword = NOT_KEY;
     gpCurSeries = nullptr;
+    gpCurCompositeOwner = nullptr;
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_Bug(101);
@@ -577,7 +812,7 @@ void MDL_Line(line_type lineType, nuibis_keyword code, std::string_view text)
     }
     const Keyword* const keyword = FindKeyword(code);
     if (lineType == LINE_KEYWORD) {
-        geModelKeyword = code;
+        gePreviousKeyword = std::exchange(geModelKeyword, code);
         if (keyword != nullptr) {
             keyword->keywordLine(text);
         }
@@ -605,6 +840,8 @@ void MDL_Leave(nuibis_keyword newCode)
 void MDL_FreeList(nuibis_mdl* list)
 {
     gpCurModel = nullptr;
+    gpCurSeries = nullptr;
+    gpCurCompositeOwner = nullptr;
     gModels.reset();
     CMN_FreeList(list, FreeContent);
 }

@@ -3,11 +3,10 @@
 
 #pragma once
 
-#include "ibis/source/nuibis_cmn.h"
+#include "ibis/source/nuibis_keyword.h"
+#include "ibis/source/nuibis_smos.h"
 
 struct rng;
-struct crv;
-struct smos;
 
 /// An element that was not given is null. Resistances in Ohm, inductances in H, capacitances in F.
 struct sinfo {
@@ -20,6 +19,22 @@ struct sinfo {
     crv* pSeriesCurrent;  ///< [Series Current]
     smos* pSeriesMosfet;  ///< [Series MOSFET], file order
 };
+
+/// A keyword of one triple, with its label in messages.
+struct SINFO_Triple {
+    nuibis_keyword eCode;
+    std::string_view sLabel;
+    rng* sinfo::*ppField;
+};
+
+inline constexpr std::array<SINFO_Triple, 6> SINFO_TRIPLES{{
+    {KEY_R_SERIES, "R_series", &sinfo::pRSeries},
+    {KEY_L_SERIES, "L_series", &sinfo::pLSeries},
+    {KEY_RL_SERIES, "Rl_series", &sinfo::pRlSeries},
+    {KEY_C_SERIES, "C_series", &sinfo::pCSeries},
+    {KEY_LC_SERIES, "Lc_series", &sinfo::pLcSeries},
+    {KEY_RC_SERIES, "Rc_series", &sinfo::pRcSeries},
+}};
 
 /// An empty set. 1, or 0 when memory is out.
 int SINFO_Create(sinfo** out);
