@@ -404,19 +404,18 @@ std::string_view CMN_NextToken(std::string_view& cursor)
 
 CMN_TokenList CMN_SplitDelim(std::string_view text, int maxTokens, char delimiter)
 {
-    CMN_ASSERT(maxTokens <= CMN_TOKEN_LIMIT);
+    CMN_ASSERT(maxTokens >= 0 && maxTokens <= CMN_TOKEN_LIMIT);
+    const auto capacity = static_cast<std::size_t>(maxTokens);
     CMN_TokenList list;
     list.iCapacity = maxTokens;
-    for (;;) {
-        const std::string_view token = CMN_NextTokenDelim(text, delimiter);
-        if (token.empty()) {
-            return list;
+    std::size_t stored = 0;
+    for (std::string_view token; !(token = CMN_NextTokenDelim(text, delimiter)).empty(); ++list.iFound) {
+        if (stored < capacity) {
+            list.aTokens[stored++] = token;
         }
-        if (list.iStored < maxTokens) {
-            list.aTokens[static_cast<std::size_t>(list.iStored++)] = token;
-        }
-        ++list.iFound;
     }
+    list.iStored = static_cast<int>(stored);
+    return list;
 }
 
 CMN_TokenList CMN_Split(std::string_view text, int maxTokens)
@@ -426,7 +425,11 @@ CMN_TokenList CMN_Split(std::string_view text, int maxTokens)
 
 int CMN_CountTokens(std::string_view text)
 {
-    return CMN_Split(text, 0).iFound;
+    int count = 0;
+    while (!CMN_NextToken(text).empty()) {
+        ++count;
+    }
+    return count;
 }
 
 // Names and fixed text fields -----------------------------------------------------------------------------

@@ -54,6 +54,8 @@ class MSG_Arg
             } else {
                 sText = value;
             }
+        } else if constexpr (MSG_KindOf<T> == MSG_Kind::Character) {
+            iValue = static_cast<unsigned char>(value);
         } else {
             iValue = static_cast<long long>(value);
         }

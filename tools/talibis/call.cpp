@@ -65,6 +65,7 @@ int RunCall(const std::string& function, const std::vector<std::string>& paramet
 {
     talIbis_qel_initialize();
     std::vector<QVALUE> values;
+    values.reserve(parameters.size());
     for (const std::string& parameter : parameters) {
         values.push_back(CreateParameter(parameter));
     }
