@@ -25,20 +25,15 @@ constexpr double WAVEFORM_ERROR = 0.10;    // of the swing
 constexpr double WAVEFORM_WARNING = 0.02;  // of the swing
 constexpr double OPEN_FIXTURE = 1e32;      // Ohm
 constexpr double INFINITE = 1e32;          // slope of a vertical segment in A/V; more than any distance in V
-constexpr double EPSILON = 1e-32;          // smallest resistance in Ohm, voltage step in V, denominator in A/V
-constexpr double SEGMENT_SLACK = 1e-6;     // V
+constexpr double EPSILON = 1e-32;       // smallest resistance in Ohm, voltage step in V, denominator in A/V
+constexpr double SEGMENT_SLACK = 1e-6;  // V
 constexpr double ISSO_TOLERANCE = 0.05;
 constexpr double ISSO_ZERO = 1e-6;        // A
 constexpr double EXTREME_VOLTAGE = -1.5;  // V
 constexpr double EXTREME_CURRENT = 10.0;  // A
 constexpr double PERCENT = 100.0;
 
-constexpr MDL_TypeSet OPEN_LOW = MDL_Types(
-    {MODEL_OPEN_DRAIN, MODEL_IO_OPEN_DRAIN, MODEL_OPEN_SINK, MODEL_IO_OPEN_SINK});  // they only pull down
-constexpr MDL_TypeSet OPEN_HIGH = MDL_Types({MODEL_OPEN_SOURCE, MODEL_IO_OPEN_SOURCE});
 constexpr MDL_TypeSet ECL_DRIVERS = MDL_Types({MODEL_OUTPUT_ECL, MODEL_IO_ECL, MODEL_3STATE_ECL});
-constexpr MDL_TypeSet WITHOUT_DRIVER =
-    MDL_SERIES_TYPES | MDL_Types({MODEL_INPUT, MODEL_INPUT_ECL, MODEL_TERMINATOR});
 
 // Values of a corner --------------------------------------------------------------------------------------
 
@@ -148,10 +143,10 @@ bool Settle(const Output& output, const crv* curve, double vLoad, double r, doub
 
 struct Transition {
     std::string_view sName;
-    double dSwing;      // dV of the ramp
-    double dLoad;       // voltage that the load pulls to
-    double dPulldown;   // guess for the low state
-    double dPullup;     // guess for the high state
+    double dSwing;     // dV of the ramp
+    double dLoad;      // voltage that the load pulls to
+    double dPulldown;  // guess for the low state
+    double dPullup;    // guess for the high state
 };
 
 void CompareSwing(const Output& output, const Transition& transition, double r)
@@ -182,12 +177,12 @@ void CheckRamp(const Output& output)
     const nuibis_model_type type = output.model.eModelType;
     const bool ecl = MDL_IsOneOf(type, ECL_DRIVERS);
     const double termination = rails.dSupply - ECL_TERMINATION;
-    const double riseLoad = ecl                           ? termination
-                            : MDL_IsOneOf(type, OPEN_LOW) ? rails.dSupply
-                                                          : rails.dGround;
-    const double fallLoad = ecl                            ? termination
-                            : MDL_IsOneOf(type, OPEN_HIGH) ? rails.dGround
-                                                           : rails.dSupply;
+    const double riseLoad = ecl                               ? termination
+                            : MDL_IsOneOf(type, MDL_OPEN_LOW) ? rails.dSupply
+                                                              : rails.dGround;
+    const double fallLoad = ecl                                ? termination
+                            : MDL_IsOneOf(type, MDL_OPEN_HIGH) ? rails.dGround
+                                                               : rails.dSupply;
     const double r = record->bRLoad != 0 ? record->dRLoad : DEFAULT_R_LOAD;
     if (const CORNER_Value d = CORNER_RampSwing(*record->pRise, output.eCorner); d.eStatus == NUM_VALUE) {
         CompareSwing(output, {"Rising", d.dValue, riseLoad, riseLoad, riseLoad + d.dValue}, r);
@@ -442,8 +437,8 @@ struct Side {
     const crv* pIsso;
     const char* pszDrive;
     const crv* pDrive;
-    double dDriveAt;      // table voltage at which the drive table must agree
-    double dPrinted;      // reference that the messages name
+    double dDriveAt;       // table voltage at which the drive table must agree
+    double dPrinted;       // reference that the messages name
     const char* pszOther;  // the rail at which nothing flows any more
     double dFarEnd;
 };
@@ -516,8 +511,8 @@ struct OpenSide {
 };
 
 constexpr std::array<OpenSide, 2> OPEN_SIDES{{
-    {OPEN_LOW, &nuibis_mdl::pPullup, 1507, &nuibis_mdl::pIssoPu, 1510},
-    {OPEN_HIGH, &nuibis_mdl::pPulldown, 1508, &nuibis_mdl::pIssoPd, 1511},
+    {MDL_OPEN_LOW, &nuibis_mdl::pPullup, 1507, &nuibis_mdl::pIssoPu, 1510},
+    {MDL_OPEN_HIGH, &nuibis_mdl::pPulldown, 1508, &nuibis_mdl::pIssoPd, 1511},
 }};
 
 void CheckOpenSides(const nuibis_mdl& model)
@@ -546,13 +541,13 @@ struct ClampState {
 constexpr std::array<ClampState, 2> CLAMP_STATES{{
     {MDL_RECEIVERS | MDL_Types({MODEL_TERMINATOR}), SUBMODE_NON_DRIVING,
      "Combined Clamp in Non Driving Mode for Model"},
-    {MDL_Types({MODEL_OUTPUT, MODEL_IO, MODEL_3STATE}) | OPEN_LOW | OPEN_HIGH | ECL_DRIVERS, SUBMODE_DRIVING,
-     "Combined Clamp in Driving Mode for Model"},
+    {MDL_Types({MODEL_OUTPUT, MODEL_IO, MODEL_3STATE}) | MDL_OPEN_LOW | MDL_OPEN_HIGH | ECL_DRIVERS,
+     SUBMODE_DRIVING, "Combined Clamp in Driving Mode for Model"},
 }};
 
 // The model's clamps and those of its dynamic clamps that are active in a state.
-CRV_Curve SumOfClamps(const nuibis_mdl& model, submdl* submodels, const ACDC_Refs& refs,
-                      nuibis_corner corner, submdl_modes mode)
+CRV_Curve SumOfClamps(const nuibis_mdl& model, submdl* submodels, const ACDC_Refs& refs, nuibis_corner corner,
+                      submdl_modes mode)
 {
     CRV_Curve sum = Sum(GndClampOnPadAxis(model.pGndClamp, refs, corner),
                         PowerClampOnPadAxis(model.pPowerClamp, refs, corner), corner);
@@ -607,8 +602,8 @@ ACDC_Refs ACDC_GetRefs(const nuibis_mdl& model, nuibis_corner corner)
 {
     const bool ecl = MDL_IsOneOf(model.eModelType, MDL_ECL_TYPES);
     const double supply = Pick(model.pVoltageRange, corner).value_or(0.0);
-    return {Pick(model.pPowerClampRef, corner).value_or(supply), Pick(model.pPullupRef, corner).value_or(supply),
-            Pick(model.pGndClampRef, corner).value_or(0.0),
+    return {Pick(model.pPowerClampRef, corner).value_or(supply),
+            Pick(model.pPullupRef, corner).value_or(supply), Pick(model.pGndClampRef, corner).value_or(0.0),
             Pick(model.pPulldownRef, corner).value_or(ecl ? supply : 0.0)};
 }
 
@@ -662,7 +657,7 @@ void ACDC_CheckModels(const nuibis_mdl* models)
 
 void ACDC_CheckModel(const nuibis_mdl* model)
 {
-    const bool drives = !MDL_IsOneOf(model->eModelType, WITHOUT_DRIVER);
+    const bool drives = !MDL_IsOneOf(model->eModelType, MDL_WITHOUT_DRIVER);
     const std::span<const nuibis_corner> corners(CORNERS.data(), drives ? CORNERS.size() : 0);
     for (const nuibis_corner corner : corners) {
         CheckCorner(*model, corner);

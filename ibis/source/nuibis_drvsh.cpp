@@ -32,8 +32,6 @@ void ReadEntry(drvshmodel& entry, std::string_view text, std::string_view modelN
 
 void CheckEntry(const drvshmodel& entry, const nuibis_mdl& owner, nuibis_mdl* models)
 {
-    static constexpr MDL_TypeSet withoutDriver =
-        MDL_SERIES_TYPES | MDL_Types({MODEL_INPUT, MODEL_INPUT_ECL, MODEL_TERMINATOR});
     nuibis_mdl* const model = MDL_Find(entry.szName, models);
     if (model == nullptr) {
         MSG_Error(4207, entry.szName, owner.szName);
@@ -43,7 +41,7 @@ void CheckEntry(const drvshmodel& entry, const nuibis_mdl& owner, nuibis_mdl* mo
     if (model->pDriverSchedule != nullptr) {
         MSG_Error(4208, entry.szName, owner.szName);
     }
-    if (MDL_IsOneOf(model->eModelType, withoutDriver)) {
+    if (MDL_IsOneOf(model->eModelType, MDL_WITHOUT_DRIVER)) {
         MSG_Error(4209, entry.szName, owner.szName);
     }
 }

@@ -1,5 +1,5 @@
-// [Driver Schedule]: the models that take over the drive of a multi-staged buffer, with the delays (s) at which
-// each of them turns on and off.
+// [Driver Schedule]: the models that take over the drive of a multi-staged buffer, with the delays (s) at
+// which each of them turns on and off.
 
 #pragma once
 

@@ -1,9 +1,13 @@
 #include "ibis/source/nuibis_ibis.h"
 
+#include "ibis/source/nuibis_acdc.h"
 #include "ibis/source/nuibis_cmpnt.h"
+#include "ibis/source/nuibis_drvsh.h"
 #include "ibis/source/nuibis_hdr.h"
+#include "ibis/source/nuibis_limit.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_submdl.h"
 
 #include <array>
 
@@ -15,13 +19,44 @@ ibis* gpIbisList = nullptr;
 // Root of the innermost IBIS_Scope; null outside of one.
 ibis* gpScopeRoot = nullptr;
 
+void CheckModels(ibis& root)
+{
+    if (root.pModels != nullptr) {
+        ACDC_CheckModels(root.pModels);
+        LIMIT_CheckModels(root.pModels);
+        DRVSH_CheckAll(root.pModels);
+    }
+}
+
+void CheckSelectors(ibis& root)
+{
+    if (root.pModelSelectors != nullptr) {
+        MSEL_CheckAll(root.pModelSelectors);
+    }
+}
+
 void CheckComponents(ibis& root)
 {
     if (root.pComponents == nullptr) {
         MSG_Error(4101);
         return;
     }
+    LIMIT_CheckComponents(root.pComponents);
     CMPNT_CheckAll(root.pComponents, root.pCircuits, root.pModels);
+}
+
+void CheckSubmodels(ibis& root)
+{
+    if (root.pSubmodels != nullptr) {
+        MDL_CheckSubmodelUse(root.pModels, root.pSubmodels);
+        LIMIT_CheckSubmodels(root.pSubmodels);
+        ACDC_CheckClamps(root.pModels, root.pSubmodels);
+    }
+}
+
+void CheckAddSubmodels(ibis& root)
+{
+    MDL_CheckAddSubmodels(root.pModels, root.pSubmodels);
 }
 
 void WarnUnreferenced(ibis& root)
@@ -34,9 +69,8 @@ void WarnUnreferenced(ibis& root)
 using Pass = void (*)(ibis& root);
 
 // The cross-checks of a component file, in their binding order.
-constexpr std::array<Pass, 2> PASSES{
-    CheckComponents,
-    WarnUnreferenced,
+constexpr std::array<Pass, 6> PASSES{
+    CheckModels, CheckSelectors, CheckComponents, CheckSubmodels, CheckAddSubmodels, WarnUnreferenced,
 };
 
 }  // namespace
@@ -85,6 +119,7 @@ void IBIS_Free(ibis* root)
     HDR_FreeList(root->pHeaders);
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
+    SUBMDL_FreeList(root->pSubmodels);
     MSEL_FreeList(root->pModelSelectors);
     CMN_Free(root);
 }

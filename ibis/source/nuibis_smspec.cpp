@@ -58,9 +58,9 @@ void SMSPEC_Line(std::string_view text, smspec* spec, std::string_view submodelN
 
 void SMSPEC_Close(const smspec* spec, std::string_view submodelName)
 {
-    const bool empty = spec == nullptr ||
-                       std::all_of(PARAMETERS.begin(), PARAMETERS.end(),
-                                   [spec](const Parameter& p) { return spec->*p.ppField == nullptr; });
+    const bool empty =
+        spec == nullptr || std::all_of(PARAMETERS.begin(), PARAMETERS.end(),
+                                       [spec](const Parameter& p) { return spec->*p.ppField == nullptr; });
     if (empty) {
         MSG_Error(2705, submodelName);
     }

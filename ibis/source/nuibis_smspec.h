@@ -1,5 +1,5 @@
-// [Submodel Spec]: when a submodel acts, by the pad voltages (V) that trigger it and the delay (s) after which
-// it turns off.
+// [Submodel Spec]: when a submodel acts, by the pad voltages (V) that trigger it and the delay (s) after
+// which it turns off.
 
 #pragma once
 
