@@ -1,13 +1,18 @@
 #include "ibis/source/nuibis_cmpnt.h"
 
 #include "ibis/source/nuibis_apkg.h"
+#include "ibis/source/nuibis_cmpntemi.h"
 #include "ibis/source/nuibis_difpin.h"
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_list.h"
+#include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_pin.h"
 #include "ibis/source/nuibis_pinmpg.h"
 #include "ibis/source/nuibis_pkg.h"
+#include "ibis/source/nuibis_reppin.h"
+#include "ibis/source/nuibis_spinmpg.h"
+#include "ibis/source/nuibis_sswch.h"
 
 #include <algorithm>
 #include <array>
@@ -70,6 +75,31 @@ void OpenPinMapping(std::string_view text)
     PINMPG_ReadHeader(gpCurrentCmpnt, text);
 }
 
+void OpenDiffPin(std::string_view text)
+{
+    DIFPIN_ReadHeader(gpCurrentCmpnt, text);
+}
+
+void OpenRepeaterPin(std::string_view text)
+{
+    REPPIN_ReadHeader(gpCurrentCmpnt, text);
+}
+
+void OpenSwitchGroups(std::string_view text)
+{
+    if (gpCurrentCmpnt->pSeriesSwitchGroups != nullptr) {
+        MSG_ErrorLine(546);
+    }
+    if (const int items = CMN_CountTokens(text); items != 0) {
+        MSG_ErrorLine(539, items + 1, "Series_Switch_Groups", 1);
+    }
+}
+
+void OpenSeriesPinMapping(std::string_view text)
+{
+    SPINMPG_ReadHeader(gpCurrentCmpnt, text);
+}
+
 void OpenAlternatePackages(std::string_view text)
 {
     if (gpCurrentCmpnt->pAltPackageModels != nullptr) {
@@ -86,6 +116,11 @@ void CloseAlternatePackages(std::string_view text)
         MSG_ErrorLine(522);
     }
     APKG_Close(gpCurrentCmpnt->pAltPackageModels);
+}
+
+void ReadEmiKeyword(std::string_view text)
+{
+    CMPNTEMI_Line(LINE_KEYWORD, geCmpntKeyword, text, &gpCurrentCmpnt->pEmi);
 }
 
 // Data lines ----------------------------------------------------------------------------------------------
@@ -108,16 +143,7 @@ void ReadLocation(const Subparameter& parameter, std::string_view text)
         MSG_ErrorLine(537, parameter.sName, gpCurrentCmpnt->szName);
     }
     field = LOCATION_INVALID;
-    const CMN_TokenList tokens = CMN_Split(text, 2);
-    if (tokens.iFound == 1) {
-        MSG_ErrorLine(538, parameter.sName);
-        return;
-    }
-    if (tokens.iFound != 2) {
-        MSG_ErrorLine(539, tokens.iFound, parameter.sName, 2);
-        return;
-    }
-    const int word = FIELD_FindWord(tokens[1], words, parameter.sName, {540, 541});
+    const int word = FIELD_ReadWord(text, parameter.sName, words, {538, 0, 539}, {540, 541});
     if (word >= 0) {
         field = word == 0 ? LOCATION_PIN : LOCATION_DIE;
     }
@@ -151,14 +177,22 @@ void ReadPackageLine(std::string_view text)
     }
 }
 
+// One row of a table: `made` tells whether `record` was made of it.
+template <class T>
+void AddRow(int made, T* record, T*& list, void (*add)(T*& list, T* record), std::string_view keyword)
+{
+    if (made) {
+        add(list, record);
+    } else {
+        MSG_ErrorLine(533, keyword);
+    }
+}
+
 void ReadPinLine(std::string_view text)
 {
     PIN* pin = nullptr;
-    if (PIN_ReadLine(text, gpCurrentCmpnt->iPinColumns, &pin, gaiPinColumnOrder)) {
-        PIN_Add(gpCurrentCmpnt->pPins, pin);
-    } else {
-        MSG_ErrorLine(533, "Pin");
-    }
+    const int made = PIN_ReadLine(text, gpCurrentCmpnt->iPinColumns, &pin, gaiPinColumnOrder);
+    AddRow(made, pin, gpCurrentCmpnt->pPins, PIN_Add, "Pin");
 }
 
 void RefusePackageModelData(std::string_view)
@@ -169,16 +203,53 @@ void RefusePackageModelData(std::string_view)
 void ReadPinMappingLine(std::string_view text)
 {
     PINMPG* mapping = nullptr;
-    if (PINMPG_ReadLine(text, gpCurrentCmpnt->iPinMappingColumns, &mapping)) {
-        PINMPG_Add(gpCurrentCmpnt->pPinMappings, mapping);
-    } else {
-        MSG_ErrorLine(533, "Pin_Mapping");
+    const int made = PINMPG_ReadLine(text, gpCurrentCmpnt->iPinMappingColumns, &mapping);
+    AddRow(made, mapping, gpCurrentCmpnt->pPinMappings, PINMPG_Add, "Pin_Mapping");
+}
+
+void ReadDiffPinLine(std::string_view text)
+{
+    DIFPIN* pair = nullptr;
+    const int made = DIFPIN_ReadLine(text, gpCurrentCmpnt->iDiffPinColumns, &pair);
+    AddRow(made, pair, gpCurrentCmpnt->pDiffPins, DIFPIN_Add, "Diff_Pin");
+}
+
+void ReadRepeaterPinLine(std::string_view text)
+{
+    REPPIN* pair = nullptr;
+    const int made = REPPIN_ReadLine(text, &pair);
+    AddRow(made, pair, gpCurrentCmpnt->pRepeaterPins, REPPIN_Add, "Repeater_Pin");
+}
+
+// A line may go on with the record of the line before it.
+void ReadSwitchGroupsLine(std::string_view text)
+{
+    SSWCH*& list = gpCurrentCmpnt->pSeriesSwitchGroups;
+    SSWCH* record = nullptr;
+    const int taken = SSWCH_ReadLine(text, &record);
+    if (record != nullptr && !SSWCH_Has(list, record)) {
+        SSWCH_Add(list, record);
     }
+    if (!taken) {
+        MSG_ErrorLine(533, "Series_Switch_Group");
+    }
+}
+
+void ReadSeriesPinMappingLine(std::string_view text)
+{
+    SPINMPG* mapping = nullptr;
+    const int made = SPINMPG_ReadLine(text, gpCurrentCmpnt->iSeriesPinColumns, &mapping);
+    AddRow(made, mapping, gpCurrentCmpnt->pSeriesPinMappings, SPINMPG_Add, "Series_Pin_Mapping");
 }
 
 void ReadAlternatePackage(std::string_view text)
 {
     APKG_Line(gpCurrentCmpnt->pAltPackageModels, text);
+}
+
+void ReadEmiLine(std::string_view text)
+{
+    CMPNTEMI_Line(LINE_DATA, geCmpntKeyword, text, &gpCurrentCmpnt->pEmi);
 }
 
 // Data behind an [End ...] keyword.
@@ -207,20 +278,20 @@ constexpr std::array<Keyword, 20> KEYWORDS{{
     {KEY_PIN, OpenPin, ReadPinLine},
     {KEY_PACKAGE_MODEL, ReadPackageModel, RefusePackageModelData},
     {KEY_PIN_MAPPING, OpenPinMapping, ReadPinMappingLine},
-    {KEY_DIFF_PIN, NotBuilt, NotBuilt},
-    {KEY_REPEATER_PIN, NotBuilt, NotBuilt},
-    {KEY_SERIES_SWITCH_GROUPS, NotBuilt, NotBuilt},
-    {KEY_SERIES_PIN_MAPPING, NotBuilt, NotBuilt},
+    {KEY_DIFF_PIN, OpenDiffPin, ReadDiffPinLine},
+    {KEY_REPEATER_PIN, OpenRepeaterPin, ReadRepeaterPinLine},
+    {KEY_SERIES_SWITCH_GROUPS, OpenSwitchGroups, ReadSwitchGroupsLine},
+    {KEY_SERIES_PIN_MAPPING, OpenSeriesPinMapping, ReadSeriesPinMappingLine},
     {KEY_ALTERNATE_PACKAGE_MODELS, OpenAlternatePackages, ReadAlternatePackage},
     {KEY_END_ALTERNATE_PACKAGE_MODELS, CloseAlternatePackages, RefuseData},
     {KEY_NODE_DECLARATIONS, NotBuilt, NotBuilt},
     {KEY_END_NODE_DECLARATIONS, NotBuilt, NotBuilt},
     {KEY_CIRCUIT_CALL, NotBuilt, NotBuilt},
     {KEY_END_CIRCUIT_CALL, NotBuilt, NotBuilt},
-    {KEY_BEGIN_EMI_COMPONENT, NotBuilt, NotBuilt},
-    {KEY_END_EMI_COMPONENT, NotBuilt, NotBuilt},
-    {KEY_PIN_EMI, NotBuilt, NotBuilt},
-    {KEY_PIN_DOMAIN_EMI, NotBuilt, NotBuilt},
+    {KEY_BEGIN_EMI_COMPONENT, ReadEmiKeyword, ReadEmiLine},
+    {KEY_END_EMI_COMPONENT, ReadEmiKeyword, ReadEmiLine},
+    {KEY_PIN_EMI, ReadEmiKeyword, ReadEmiLine},
+    {KEY_PIN_DOMAIN_EMI, ReadEmiKeyword, ReadEmiLine},
 }};
 
 const Keyword* FindKeyword(nuibis_keyword code)
@@ -239,6 +310,9 @@ void CheckOpenBlocks(nuibis_keyword code)
         MSG_ErrorLine(503);
     } else if (!end && open) {
         MSG_ErrorLine(504);
+    }
+    if (CMPNTEMI_IsOpen() && (code < KEY_END_EMI_COMPONENT || code > KEY_PIN_DOMAIN_EMI)) {
+        MSG_ErrorLine(553);
     }
 }
 
@@ -273,6 +347,31 @@ try {
     // Told by the allocation itself.
 }
 
+// A differential buffer exists as [External Model] only, whose two pads need a pair of pins. Supply and
+// unused pins have no model; the walk ends at any other pin without one.
+void CheckDiffExternal(const CMPNT& component, nuibis_mdl* models)
+{
+    static constexpr MDL_TypeSet differential =
+        MDL_Types({MODEL_IO_DIFF, MODEL_OUTPUT_DIFF, MODEL_3STATE_DIFF, MODEL_INPUT_DIFF});
+    for (const PIN* pin = component.pPins; pin != nullptr; pin = pin->pNext) {
+        if (PIN_IsSpecialModel(pin->szModel)) {
+            continue;
+        }
+        const nuibis_mdl* const model = MDL_Find(pin->szModel, models);
+        if (model == nullptr) {
+            return;
+        }
+        if (!MDL_IsOneOf(model->eModelType, differential)) {
+            continue;
+        }
+        if (model->pExternalModel == nullptr) {
+            MSG_Error(544);
+        } else if (!DIFPIN_Has(component.pDiffPins, pin->szPin)) {
+            MSG_Error(545, component.szName, pin->szPin, pin->szModel, MDL_TypeText(model->eModelType));
+        }
+    }
+}
+
 }  // namespace
 
 void CMPNT_Init()
@@ -282,6 +381,7 @@ void CMPNT_Init()
     gaiPinColumnOrder[0] = 0;
     gaiPinColumnOrder[1] = 1;
     gaiPinColumnOrder[2] = 2;
+    CMPNTEMI_Close();
     gpCurrentCmpnt = nullptr;
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
@@ -325,6 +425,10 @@ void CMPNT_Leave(nuibis_keyword newCode)
     if (geCmpntKeyword == KEY_ALTERNATE_PACKAGE_MODELS) {
         MSG_ErrorLine(504);
     }
+    if (CMPNTEMI_IsOpen()) {
+        MSG_ErrorLine(551);
+        CMPNTEMI_Close();
+    }
     if (!gbManufacturerSeen) {
         MSG_Error(514, gpCurrentCmpnt->szName);
     }
@@ -333,7 +437,7 @@ void CMPNT_Leave(nuibis_keyword newCode)
     gbManufacturerSeen = false;
 }
 
-void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl*)
+void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl* models)
 {
     if (component->pPins != nullptr) {
         PIN_CheckAll(component->pPins, component->pPinMappings, component->pDiffPins, component->szName);
@@ -342,6 +446,19 @@ void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl*)
     }
     if (component->pPinMappings != nullptr) {
         PINMPG_CheckAll(component->pPinMappings, component->pPins, component->szName);
+    }
+    DIFPIN_CheckAll(component->pDiffPins, component->pPins, component->szName);
+    if (component->pRepeaterPins != nullptr) {
+        REPPIN_CheckAll(component->pRepeaterPins, component->pPins, component->szName);
+    }
+    if (component->pSeriesPinMappings != nullptr) {
+        SPINMPG_CheckAll(component->pSeriesPinMappings, component->pPins, component->szName,
+                         component->pSeriesSwitchGroups);
+    }
+    SSWCH_CheckAll(component->pSeriesSwitchGroups, component->pSeriesPinMappings, component->szName);
+    CheckDiffExternal(*component, models);
+    if (component->pEmi != nullptr) {
+        CMPNTEMI_Finish(component, component->pEmi);
     }
 }
 
@@ -368,7 +485,11 @@ void CMPNT_FreeList(CMPNT* list)
         PKG_Free(component.pPackage);
         PIN_Free(component.pPins);
         PINMPG_Free(component.pPinMappings);
-        CMN_FreeList(component.pDiffPins);
+        DIFPIN_Free(component.pDiffPins);
+        REPPIN_Free(component.pRepeaterPins);
+        SPINMPG_Free(component.pSeriesPinMappings);
+        SSWCH_Free(component.pSeriesSwitchGroups);
         APKG_Free(component.pAltPackageModels);
+        CMPNTEMI_Free(component.pEmi);
     });
 }

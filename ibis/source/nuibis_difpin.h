@@ -5,7 +5,10 @@
 
 #include "ibis/source/nuibis_cmn.h"
 
-/// One pair.
+struct CMPNT;
+struct PIN;
+
+/// One pair. "NA" in a value column counts as a number: 0.0, and for tdelay_max the typical delay.
 struct DIFPIN {
     DIFPIN* pNext;
     int iColumns;      ///< columns found on the line
@@ -21,5 +24,16 @@ struct DIFPIN {
     numstat eTdelayMax;
 };
 
+/// The keyword line; `text` is what follows "[Diff Pin]".
+void DIFPIN_ReadHeader(CMPNT* component, std::string_view text);
+/// A data line; 1 if a record was made.
+int DIFPIN_ReadLine(std::string_view text, int headerColumns, DIFPIN** out);
+/// Appends, with no test.
+void DIFPIN_Add(DIFPIN*& list, DIFPIN* pair);
+void DIFPIN_Free(DIFPIN* list);
+
 /// True if the pin stands in a pair, in either column.
 bool DIFPIN_Has(const DIFPIN* list, std::string_view pin);
+
+/// At the end of the file: the pins exist, and each stands in one pair only.
+void DIFPIN_CheckAll(const DIFPIN* list, PIN* pins, const char* component);

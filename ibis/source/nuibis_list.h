@@ -155,8 +155,8 @@ template <class T, auto Name> class LIST_Index
     T* mpLast = nullptr;
 };
 
-/// Counts the records that bear a name, for rules that tell a repeat once for each earlier record. Keeps views
-/// of the names.
+/// Counts the records that bear a name, for rules that tell a repeat once for each earlier record. Keeps
+/// views of the names.
 class LIST_Repeats
 {
   public:

@@ -5,6 +5,7 @@
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_list.h"
+#include "ibis/source/nuibis_mdlemi.h"
 #include "ibis/source/nuibis_ramp.h"
 #include "ibis/source/nuibis_rng.h"
 #include "ibis/source/nuibis_sinfo.h"
@@ -56,18 +57,8 @@ std::span<const std::string_view> TypeWords()
 // The value of "Name Word" in `words`, or 1 with a message. An equals sign has no place here.
 int ReadWord(std::string_view text, std::string_view name, std::span<const std::string_view> words)
 {
-    const CMN_TokenList tokens = CMN_SplitDelim(text, 2, '=');
-    if (tokens.iFound == 1) {
-        MSG_ErrorLine(175, name);
-    } else if (tokens.iFound > 2 && tokens[1] == "=") {
-        MSG_ErrorLine(176, name);
-    } else if (tokens.iFound > 2) {
-        MSG_ErrorLine(137, tokens.iFound, name, 2);
-    } else {
-        const int row = FIELD_FindWord(tokens[1], words, name, {136, 158});
-        return row < 0 ? 1 : row + FIRST_WORD_VALUE;
-    }
-    return 1;
+    const int row = FIELD_ReadWord(text, name, words, {175, 176, 137}, {136, 158});
+    return row < 0 ? 1 : row + FIRST_WORD_VALUE;
 }
 
 // Reads a word into a field that nothing was read into yet. A failed value counts as seen.
@@ -690,6 +681,16 @@ void CloseAlgorithmicModel(nuibis_keyword next)
     }
 }
 
+void OpenEmiModel(std::string_view text)
+{
+    MDLEMI_Init(text, &gpCurModel->pEmiModel);
+}
+
+void ReadEmiModel(std::string_view text)
+{
+    MDLEMI_Line(text, gpCurModel->pEmiModel);
+}
+
 void CloseEmiModel(nuibis_keyword next)
 {
     if (next != KEY_END_EMI_MODEL) {
@@ -748,7 +749,7 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_ISSO_PD, OpenCurve, ReadCurve, CloseCurve},
     {KEY_ISSO_PU, OpenCurve, ReadCurve, CloseCurve},
     {KEY_COMPOSITE_CURRENT, OpenComposite, ReadComposite, CloseComposite},
-    {KEY_BEGIN_EMI_MODEL, NotBuilt, NotBuilt, CloseEmiModel},
+    {KEY_BEGIN_EMI_MODEL, OpenEmiModel, ReadEmiModel, CloseEmiModel},
     {KEY_END_EMI_MODEL, NoAction, RefuseModelData, nullptr},
     {KEY_C_COMP_CORNER, NotBuilt, NotBuilt, nullptr},
     {KEY_INITIAL_DELAY, NotBuilt, NotBuilt, nullptr},
@@ -797,6 +798,7 @@ void FreeContent(nuibis_mdl& model)
     WVFRM_Free(model.pFalling);
     SINFO_Free(model.pOn);
     SINFO_Free(model.pOff);
+    CMN_Release(model.pEmiModel);
 }
 
 }  // namespace

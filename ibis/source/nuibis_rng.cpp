@@ -17,12 +17,6 @@ void ReportCount(int count, std::string_view label)
     }
 }
 
-// Strict on both sides: min may lie above max, where a quantity falls from the slow to the fast corner.
-bool TypOutside(const rng& r)
-{
-    return (r.dTyp < r.dMin && r.dTyp < r.dMax) || (r.dTyp > r.dMin && r.dTyp > r.dMax);
-}
-
 }  // namespace
 
 int RNG_Read(std::string_view text, std::string_view label, rng** out, bool checkOrder)
@@ -38,7 +32,7 @@ int RNG_Read(std::string_view text, std::string_view label, rng** out, bool chec
     good &= CMN_GetValueOrNA(tokens[1], label, "Minimum", &r.dMin, &r.eMin);
     good &= CMN_GetValueOrNA(tokens[2], label, "Maximum", &r.dMax, &r.eMax);
     const bool numbers = r.eTyp == NUM_VALUE && r.eMin == NUM_VALUE && r.eMax == NUM_VALUE;
-    if (checkOrder && numbers && TypOutside(r)) {
+    if (checkOrder && numbers && RNG_TypOutside(r.dTyp, r.dMin, r.dMax)) {
         MSG_WarningLine(3903);
     }
     return good;

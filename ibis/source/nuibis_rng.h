@@ -14,6 +14,13 @@ struct rng {
     numstat eMax;
 };
 
+/// The typical value lies outside the other two. Strict on both sides: min may lie above max, where a
+/// quantity falls from the slow to the fast corner.
+constexpr bool RNG_TypOutside(double typ, double min, double max)
+{
+    return (typ < min && typ < max) || (typ > min && typ > max);
+}
+
 /// Reads a triple from the rest of a line into a new record; null only when memory is out or nothing could be
 /// split. Gives 1 when all three values were good. `checkOrder` warns (3903) where typ lies outside min and
 /// max.
