@@ -143,9 +143,9 @@ int SSWCH_ReadLine(std::string_view text, SSWCH** out)
 }
 
 // The record being read is always the newest, so that only the tail can be it.
-bool SSWCH_Has(const SSWCH* list, const SSWCH* record)
+bool SSWCH_Has(SSWCH*& list, const SSWCH* record)
 {
-    return list != nullptr && gTail.last() == record;
+    return list != nullptr && gTail.last(list) == record;
 }
 
 void SSWCH_Add(SSWCH*& list, SSWCH* record)

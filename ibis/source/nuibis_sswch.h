@@ -18,7 +18,7 @@ struct SSWCH {
 /// is none. A line without a closing "/" sets `gbExpectContinuation`.
 int SSWCH_ReadLine(std::string_view text, SSWCH** out);
 /// Whether the record being read is in the list already, as it is when a line goes on with it.
-bool SSWCH_Has(const SSWCH* list, const SSWCH* record);
+bool SSWCH_Has(SSWCH*& list, const SSWCH* record);
 /// Appends.
 void SSWCH_Add(SSWCH*& list, SSWCH* record);
 void SSWCH_Free(SSWCH* list);
