@@ -114,8 +114,8 @@ TEST(Combine, StraightLines)
 TEST(Combine, PointsWithinTenMicrovoltsMerge)
 {
     EXPECT_EQ(Combined({{0, 0}, {1, 1}}, {{5e-6, 0}, {2, 0}}), (Points{{0, 0}, {1, 1}, {2, 2}}));
-    EXPECT_EQ(Combined({{0, 0}, {1, 1}}, {{2e-5, 0}, {2, 0}}),
-              (Points{{0, 0}, {2e-5, 2e-5}, {1, 1}, {2, 2}}));
+    EXPECT_EQ(Combined({{0, 0}, {1, 1}}, {{0x1p-16, 0}, {2, 0}}),
+              (Points{{0, 0}, {0x1p-16, 0x1p-16}, {1, 1}, {2, 2}}));
     // Within one table too: a step of no width keeps its first current.
     EXPECT_EQ(Combined({{0, 0}, {1, 1}, {1, 3}, {2, 4}}, {}), (Points{{0, 0}, {1, 1}, {2, 4}}));
 }
