@@ -5,6 +5,7 @@
 
 #include "ibis/source/nuibis_cmn.h"
 #include "ibis/source/nuibis_keyword.h"
+#include "ibis/source/nuibis_list.h"
 
 struct PKG;
 struct PIN;
@@ -17,6 +18,7 @@ struct APKG;
 struct NODELIST;
 struct CIRCUITCALL;
 struct CMPNTEMI;
+struct msel;
 struct nuibis_mdl;
 struct EXTBLOCK;
 
@@ -64,3 +66,36 @@ void CMPNT_CheckOne(CMPNT* component, EXTBLOCK* circuits, nuibis_mdl* models);
 /// Exact comparison, first match of the list; null if absent.
 CMPNT* CMPNT_Find(CMPNT* list, std::string_view name);
 void CMPNT_FreeList(CMPNT* list);
+
+// Models on differential pins -----------------------------------------------------------------------------
+
+/// The pins of a file that stand in a [Diff Pin] pair, in either column, by the models that they may use:
+/// components and their pins in file order, a pin naming a model or a model selector. Made once for a check
+/// of many models, from lists that stay as they are meanwhile. Without memory it holds no pin.
+class CMPNT_DiffPins
+{
+  public:
+    CMPNT_DiffPins(CMPNT* components, msel* selectors);
+
+  private:
+    friend bool CMPNT_UsesDiffModel(nuibis_mdl* model, CMPNT_DiffPins& pins, const PIN** pin);
+
+    struct Use {
+        const PIN* pPin;          // first pin that uses the model
+        std::size_t uiSelectors;  // selectors that a search passes ahead of it
+    };
+
+    void addComponent(const CMPNT& component, msel* selectors);
+    void addSelector(const PIN& pin, msel* selector);
+    void passSelectors(std::size_t count);
+
+    CMN_Map<std::string_view, Use> mUses;  // by name of the model
+    CMN_Set<const msel*> mSeen;            // selectors that are in the list below
+    CMN_Vector<msel*> mSelectors;          // of pins in pairs, in the order of the search
+    std::size_t muPassed = 0;              // how many of them searches have marked
+};
+
+/// Whether the model is used on a pin of a [Diff Pin] pair, directly or through a [Model Selector], and the
+/// first such pin. Marks the model as differential, and every selector that the search passes without finding
+/// the model in it. `pin` may be null.
+bool CMPNT_UsesDiffModel(nuibis_mdl* model, CMPNT_DiffPins& pins, const PIN** pin);

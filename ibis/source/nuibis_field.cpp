@@ -97,12 +97,36 @@ bool FIELD_OpenBlock(std::string_view text, std::string_view label, const FIELD_
     return true;
 }
 
-int FIELD_ReadTriple(std::string_view text, std::string_view label, MSG_Plain typicalNA, rng** field)
+int FIELD_ReadTriple(std::string_view text, std::string_view label, MSG_Plain typicalNA, rng** field,
+                     bool checkOrder)
 {
     CMN_SkipToken(text);
-    const int result = RNG_Read(text, label, field, true);
+    const int result = RNG_Read(text, label, field, checkOrder);
     if (*field != nullptr && (*field)->eTyp == NUM_NA) {
         MSG_ErrorLine(typicalNA);
     }
     return result;
+}
+
+void FIELD_ReadUnsigned(std::string_view text, std::string_view name, const FIELD_UnsignedCodes& codes,
+                        rng** field)
+{
+    if (*field != nullptr) {
+        MSG_ErrorLine(codes.repeated, name);
+        return;
+    }
+    FIELD_ReadTriple(text, name, codes.typicalNA, field, false);
+    if (*field == nullptr) {
+        return;
+    }
+    const rng& r = **field;
+    if (r.eTyp == NUM_VALUE && r.dTyp < 0.0) {
+        MSG_ErrorLine(codes.negative, name, "Typ");
+    }
+    if (r.eMin == NUM_VALUE && r.dMin < 0.0) {
+        MSG_ErrorLine(codes.negative, name, "Min");
+    }
+    if (r.eMax == NUM_VALUE && r.dMax < 0.0) {
+        MSG_ErrorLine(codes.negative, name, "Max");
+    }
 }

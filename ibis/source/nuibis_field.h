@@ -6,7 +6,26 @@
 #include "ibis/source/nuibis_cmn.h"
 #include "ibis/source/nuibis_rng.h"
 
+#include <algorithm>
+#include <array>
 #include <span>
+
+// A line's name in a table --------------------------------------------------------------------------------
+
+/// Name of a subparameter line: its first token, which an equals sign ends too.
+inline std::string_view FIELD_ItemName(std::string_view text)
+{
+    return CMN_NextTokenDelim(text, '=');
+}
+
+/// The row whose `sName` is exactly `name`, or null.
+template <class Row, std::size_t N>
+const Row* FIELD_FindByName(const std::array<Row, N>& rows, std::string_view name)
+{
+    const auto* const row =
+        std::find_if(rows.begin(), rows.end(), [name](const Row& r) { return r.sName == name; });
+    return row == rows.end() ? nullptr : row;
+}
 
 // One scalar: "name = value" ------------------------------------------------------------------------------
 
@@ -75,8 +94,80 @@ struct FIELD_BlockCodes {
 /// the bracket is missing.
 bool FIELD_OpenBlock(std::string_view text, std::string_view label, const FIELD_BlockCodes& codes);
 
+struct FIELD_RecordCodes {
+    MSG_Plain repeated;  ///< the record is there already
+    MSG_Where noMemory;  ///< BUG; 0 where the family tells it in another way
+    FIELD_BlockCodes block;
+};
+
+/// The keyword line of a block that has a record of its own: frees a record that is there already, makes
+/// `*field`, and takes the line as FIELD_OpenBlock does. False, with `*field` null, when memory is out.
+template <class Record>
+bool FIELD_OpenRecord(std::string_view text, std::string_view label, const FIELD_RecordCodes& codes,
+                      void (*release)(Record*), Record** field)
+{
+    if (*field != nullptr) {
+        MSG_ErrorLine(codes.repeated);
+        release(*field);
+        *field = nullptr;
+    }
+    if (!CMN_Alloc(*field)) {
+        if (codes.noMemory) {
+            MSG_Bug(codes.noMemory, __FILE_NAME__, __LINE__);
+        }
+        return false;
+    }
+    FIELD_OpenBlock(text, label, codes.block);
+    return true;
+}
+
 // A typ/min/max triple ------------------------------------------------------------------------------------
 
 /// Reads the triple behind a line's first token into `*field`, which must be null. A typical value of "NA" is
 /// reported with `typicalNA`. Gives what RNG_Read gave.
-int FIELD_ReadTriple(std::string_view text, std::string_view label, MSG_Plain typicalNA, rng** field);
+int FIELD_ReadTriple(std::string_view text, std::string_view label, MSG_Plain typicalNA, rng** field,
+                     bool checkOrder = true);
+
+// A block of triples that have no sign --------------------------------------------------------------------
+
+/// A triple of a record, by its name in the file.
+template <class Record> struct FIELD_Triple {
+    std::string_view sName;
+    rng* Record::*ppField;
+};
+
+struct FIELD_UnsignedCodes {
+    MSG_Plain unknown;    ///< no triple has that name
+    MSG_Text1 repeated;   ///< (name): the first one stays
+    MSG_Plain typicalNA;  ///< the value is 0.0 then
+    MSG_Text2 negative;   ///< (name, "Typ", "Min" or "Max")
+};
+
+/// Reads a triple whose columns are values at the corners, in no order by size, and which are not below zero.
+void FIELD_ReadUnsigned(std::string_view text, std::string_view name, const FIELD_UnsignedCodes& codes,
+                        rng** field);
+
+/// The same for a data line of a block that is a table of such triples.
+template <class Record, std::size_t N>
+void FIELD_ReadUnsignedLine(std::string_view text, const std::array<FIELD_Triple<Record>, N>& triples,
+                            const FIELD_UnsignedCodes& codes, Record& record)
+{
+    if (const auto* row = FIELD_FindByName(triples, FIELD_ItemName(text)); row != nullptr) {
+        FIELD_ReadUnsigned(text, row->sName, codes, &(record.*row->ppField));
+    } else {
+        MSG_ErrorLine(codes.unknown);
+    }
+}
+
+/// The record with its triples. Null is fine.
+template <class Record, std::size_t N>
+void FIELD_FreeTriples(const std::array<FIELD_Triple<Record>, N>& triples, Record* record)
+{
+    if (record == nullptr) {
+        return;
+    }
+    for (const FIELD_Triple<Record>& triple : triples) {
+        RNG_Free(record->*triple.ppField);
+    }
+    CMN_Free(record);
+}

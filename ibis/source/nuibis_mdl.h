@@ -136,12 +136,24 @@ inline constexpr MDL_TypeSet MDL_WITHOUT_DRIVER =
 inline constexpr MDL_TypeSet MDL_ECL_TYPES =
     MDL_Types({MODEL_INPUT_ECL, MODEL_OUTPUT_ECL, MODEL_IO_ECL, MODEL_3STATE_ECL});
 
+// Presence of items ---------------------------------------------------------------------------------------
+
+/// Whether the file gave an item, for tables of items of different kinds.
+template <auto Field> bool MDL_Has(const nuibis_mdl& model)
+{
+    return model.*Field != nullptr;
+}
+
 // The keyword contract ------------------------------------------------------------------------------------
 
 void MDL_Init();
 void MDL_Line(line_type lineType, nuibis_keyword code, std::string_view text);
 void MDL_Leave(nuibis_keyword newCode);
 void MDL_FreeList(nuibis_mdl* list);
+
+/// When a model has ended: what was read against what a model of its type needs. Only looks; every message is
+/// without a line.
+void MDL_Validate(const nuibis_mdl& model);
 
 // For other modules ---------------------------------------------------------------------------------------
 

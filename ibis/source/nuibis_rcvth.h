@@ -1,0 +1,43 @@
+// [Receiver Thresholds]: the voltages (V) at which a receiver's timing is taken, and the slew times (s) that
+// it holds for.
+
+#pragma once
+
+#include "ibis/source/nuibis_cmn.h"
+
+struct CMPNT;
+struct msel;
+struct nuibis_mdl;
+
+/// An item that was not given is null.
+struct rcvth {
+    double* pdVth;
+    double* pdVthMin;
+    double* pdVthMax;
+    double* pdVinhAc;
+    double* pdVinhDc;
+    double* pdVinlAc;
+    double* pdVinlDc;
+    double* pdThresholdSensitivity;  ///< change of the threshold with the reference supply, V/V
+    char* pszReferenceSupply;        ///< one of the words of RCVTH_SUPPLIES
+    double* pdVcrossLow;
+    double* pdVcrossHigh;
+    double* pdVdiffAc;
+    double* pdVdiffDc;
+    double* pdTslewAc;
+    double* pdTdiffslewAc;
+};
+
+/// The keyword line; a record that is there already is reported and freed. `*field` stays null only when
+/// memory is out.
+void RCVTH_Open(std::string_view text, rcvth** field);
+/// A data line. A null record takes none.
+void RCVTH_Line(std::string_view text, rcvth* thresholds);
+/// At the end of the block: a sensitivity names its supply.
+void RCVTH_Close(const rcvth* thresholds, std::string_view modelName);
+/// Null is fine.
+void RCVTH_Free(rcvth* thresholds);
+
+/// At the end of the file: whether a receiver stands on a differential pin decides which items it needs.
+/// Marks the models that do.
+void RCVTH_CheckUse(nuibis_mdl* models, CMPNT* components, msel* selectors);
