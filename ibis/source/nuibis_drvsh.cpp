@@ -60,16 +60,7 @@ void CheckSchedule(const nuibis_mdl& owner, nuibis_mdl* models)
 
 void DRVSH_Open(std::string_view text, drvsh** field)
 {
-    if (*field != nullptr) {
-        MSG_ErrorLine(4200);
-        DRVSH_Free(*field);
-        *field = nullptr;
-    }
-    if (!CMN_Alloc(*field)) {
-        MSG_Bug(4201, __FILE_NAME__, __LINE__);
-        return;
-    }
-    FIELD_OpenBlock(text, "Driver Schedule", {4202, 4204});
+    FIELD_OpenRecord(text, "Driver Schedule", {4200, 4201, {4202, 4204}}, DRVSH_Free, field);
 }
 
 void DRVSH_Line(std::string_view text, drvsh* schedule, std::string_view modelName)

@@ -3,17 +3,11 @@
 #include "ibis/source/nuibis_field.h"
 
 #include <algorithm>
-#include <array>
 
 namespace
 {
 
-struct Parameter {
-    std::string_view sName;
-    rng* smspec::*ppField;
-};
-
-constexpr std::array<Parameter, 3> PARAMETERS{{
+constexpr std::array<FIELD_Triple<smspec>, 3> ITEMS{{
     {"V_trigger_r", &smspec::pVTriggerR},
     {"V_trigger_f", &smspec::pVTriggerF},
     {"Off_delay", &smspec::pOffDelay},
@@ -23,16 +17,7 @@ constexpr std::array<Parameter, 3> PARAMETERS{{
 
 void SMSPEC_Open(std::string_view text, smspec** field)
 {
-    if (*field != nullptr) {
-        MSG_ErrorLine(2700);
-        SMSPEC_Free(*field);
-        *field = nullptr;
-    }
-    if (!CMN_Alloc(*field)) {
-        MSG_Bug(2701, __FILE_NAME__, __LINE__);
-        return;
-    }
-    FIELD_OpenBlock(text, "Submodel Spec", {2702, 2704});
+    FIELD_OpenRecord(text, "Submodel Spec", {2700, 2701, {2702, 2704}}, SMSPEC_Free, field);
 }
 
 void SMSPEC_Line(std::string_view text, smspec* spec, std::string_view submodelName)
@@ -40,39 +25,27 @@ void SMSPEC_Line(std::string_view text, smspec* spec, std::string_view submodelN
     if (spec == nullptr) {
         return;
     }
-    std::string_view rest = text;
-    const std::string_view name = CMN_NextTokenDelim(rest, '=');
-    const auto* const parameter = std::find_if(PARAMETERS.begin(), PARAMETERS.end(),
-                                               [name](const Parameter& p) { return p.sName == name; });
-    if (parameter == PARAMETERS.end()) {
+    const auto* const item = FIELD_FindByName(ITEMS, FIELD_ItemName(text));
+    if (item == nullptr) {
         MSG_ErrorLine(2706);
-        return;
+    } else if (spec->*item->ppField != nullptr) {
+        MSG_ErrorLine(2707, item->sName, submodelName);
+    } else {
+        FIELD_ReadTriple(text, item->sName, 2708, &(spec->*item->ppField));
     }
-    rng*& field = spec->*parameter->ppField;
-    if (field != nullptr) {
-        MSG_ErrorLine(2707, name, submodelName);
-        return;
-    }
-    FIELD_ReadTriple(text, name, 2708, &field);
 }
 
 void SMSPEC_Close(const smspec* spec, std::string_view submodelName)
 {
-    const bool empty =
-        spec == nullptr || std::all_of(PARAMETERS.begin(), PARAMETERS.end(),
-                                       [spec](const Parameter& p) { return spec->*p.ppField == nullptr; });
-    if (empty) {
+    const auto given = [spec](const FIELD_Triple<smspec>& item) {
+        return spec != nullptr && spec->*item.ppField != nullptr;
+    };
+    if (std::none_of(ITEMS.begin(), ITEMS.end(), given)) {
         MSG_Error(2705, submodelName);
     }
 }
 
 void SMSPEC_Free(smspec* spec)
 {
-    if (spec == nullptr) {
-        return;
-    }
-    for (const Parameter& parameter : PARAMETERS) {
-        RNG_Free(spec->*parameter.ppField);
-    }
-    CMN_Free(spec);
+    FIELD_FreeTriples(ITEMS, spec);
 }

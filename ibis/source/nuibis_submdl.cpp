@@ -52,8 +52,7 @@ void ReadName(std::string_view text)
 void ReadSubparameter(std::string_view text)
 {
     static constexpr std::array<std::string_view, 3> words{"Dynamic_clamp", "Bus_hold", "Fall_back"};
-    std::string_view rest = text;
-    const std::string_view name = CMN_NextTokenDelim(rest, '=');
+    const std::string_view name = FIELD_ItemName(text);
     if (name != "Submodel_type") {
         MSG_ErrorLine(2416);
         return;
