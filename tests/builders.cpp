@@ -90,6 +90,11 @@ std::string WriteTestFile(std::string_view name, std::string_view content)
     return path;
 }
 
+Lines StoredMessages()
+{
+    return Texts(*MSG_GetContainer());
+}
+
 Lines MessagesOfFile(const std::string& path, ibis_file_type type)
 {
     ForgetFormerRead();
@@ -107,6 +112,16 @@ Lines MessagesWith(std::string_view part, std::string_view content, std::string_
     Lines lines = Messages(content, name);
     std::erase_if(lines, [part](const std::string& line) { return line.find(part) == std::string::npos; });
     return lines;
+}
+
+Lines MessagesOf(const std::function<void()>& calls)
+{
+    MSG_ClearContainer();
+    geIbisVersion = IBIS_VER_5;
+    geFileType = IBIS_FILE_IBS;
+    guiLineNumber = 0;
+    calls();
+    return Texts(*MSG_GetContainer());
 }
 
 Lines Unfolded(Lines lines)

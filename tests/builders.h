@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -24,10 +25,14 @@ std::string WriteTestFile(std::string_view name, std::string_view content);
 /// What a fresh process would say: every stored text without its trailing newline, in order. The file is
 /// written as `name` and read by the kind that its extension tells.
 Lines Messages(std::string_view content, std::string_view name = "t.ibs");
-/// The same for a file that is there already.
+/// What is stored now, for a test that calls a part of the parser by itself.
+Lines StoredMessages();
+/// The same as `Messages` for a file that is there already.
 Lines MessagesOfFile(const std::string& path, ibis_file_type type);
 /// Only the messages that hold `part`.
 Lines MessagesWith(std::string_view part, std::string_view content, std::string_view name = "t.ibs");
+/// What calls of the parser core say that belong to no file: as on line 0 of a file of version 5.
+Lines MessagesOf(const std::function<void()>& calls);
 /// The lines with folded messages on one line, for tests that are not about folding.
 Lines Unfolded(Lines lines);
 /// The handle of the file that was read, for queries; fails the test if there is none.

@@ -1,71 +1,11 @@
-#include "ibis/source/nuibis_curve.h"
-
-#include "tests/builders.h"
+#include "tests/tables.h"
 
 #include <cmath>
-#include <functional>
-#include <limits>
 
 namespace
 {
 
-constexpr double NA = std::numeric_limits<double>::quiet_NaN();
-
-struct Row {
-    double dV;
-    double dTyp;
-    double dMin = NA;
-    double dMax = NA;
-};
-
-void Set(double& value, numstat& status, double given)
-{
-    value = std::isnan(given) ? 0.0 : given;
-    status = std::isnan(given) ? NUM_NA : NUM_VALUE;
-}
-
-CRV_Curve Table(const std::vector<Row>& rows)
-{
-    crv* holder = nullptr;
-    CMN_Alloc(holder);
-    unsigned count = 0;
-    for (const Row& given : rows) {
-        rngp* row = nullptr;
-        RNGP_Create(&row);
-        Set(row->dFirst, row->eFirst, given.dV);
-        Set(row->dTyp, row->eTyp, given.dTyp);
-        Set(row->dMin, row->eMin, given.dMin);
-        Set(row->dMax, row->eMax, given.dMax);
-        RNGP_Append(holder->pHead, row, &count, false);
-    }
-    return CRV_Curve(holder);
-}
-
-// A function sampled from `from` in equal steps, which may be negative.
-CRV_Curve Sampled(const std::function<double(double)>& f, double from, double step, int count)
-{
-    std::vector<Row> rows;
-    for (int i = 0; i < count; ++i) {
-        const double v = from + i * step;
-        rows.push_back({v, f(v)});
-    }
-    return Table(rows);
-}
-
-using Points = std::vector<std::pair<double, double>>;
-
-Points PointsOf(const crv* table, nuibis_corner corner = CORNER_TYP)
-{
-    const RNGP_Column& column = CORNER_Column(corner);
-    Points points;
-    for (const rngp* row = table->pHead; row != nullptr; row = row->pNext) {
-        EXPECT_EQ(row->eFirst, NUM_VALUE);
-        points.emplace_back(row->dFirst, row->*column.peStatus == NUM_VALUE ? row->*column.pdValue : NAN);
-    }
-    return points;
-}
-
-Points Combined(const std::vector<Row>& a, const std::vector<Row>& b)
+Points Combined(const std::vector<TableRow>& a, const std::vector<TableRow>& b)
 {
     return PointsOf(CRV_Combine(Table(a).get(), Table(b).get(), CORNER_TYP).get());
 }
@@ -75,12 +15,12 @@ Points Combined(const std::vector<Row>& a, const std::vector<Row>& b)
 TEST(Combine, StraightLines)
 {
     // 0.5 A/V and 0.25 A/V through 0 V: exact in binary.
-    const std::vector<Row> half{{-2, -1}, {0, 0}, {2, 1}};
-    const std::vector<Row> quarter{{-2, -0.5}, {0, 0}, {2, 0.5}};
+    const std::vector<TableRow> half{{-2, -1}, {0, 0}, {2, 1}};
+    const std::vector<TableRow> quarter{{-2, -0.5}, {0, 0}, {2, 0.5}};
     struct Case {
         const char* name;
-        std::vector<Row> a;
-        std::vector<Row> b;
+        std::vector<TableRow> a;
+        std::vector<TableRow> b;
         Points sum;
     };
     const std::vector<Case> cases{
@@ -123,7 +63,7 @@ TEST(Combine, PointsWithinTenMicrovoltsMerge)
 TEST(Combine, StepsAtTheEndsArePassedOver)
 {
     // What goes on is the line from the end row to the nearest row of another voltage.
-    const std::vector<Row> steps{{0, 2}, {0, 0}, {1, 3}, {2, 4}, {2, 9}};
+    const std::vector<TableRow> steps{{0, 2}, {0, 0}, {1, 3}, {2, 4}, {2, 9}};
     EXPECT_EQ(Combined(steps, {{-1, 0}, {4, 0}}), (Points{{-1, 1}, {0, 2}, {1, 3}, {2, 4}, {4, 21}}));
     // All that this column has is a step of 1 A, which gets a width of 1e-5 V.
     const Points sum = Combined({{0, 1}, {0, 2}, {5, NA}}, {{1, 0}, {2, 0}});
@@ -198,7 +138,7 @@ TEST(Combine, LongAndTurningTablesStayLinear)
 {
     // Half of the rows rise, the other half jumps back and forth at the top: with a search from the start at
     // each jump this would take hours.
-    std::vector<Row> rows;
+    std::vector<TableRow> rows;
     constexpr int half = 200000;
     for (int i = 0; i < half; ++i) {
         rows.push_back({i * 1e-3, 1e-3 * i});
@@ -212,8 +152,8 @@ TEST(Combine, LongAndTurningTablesStayLinear)
 
 TEST(Evaluate, InsideBeyondAndBothDirections)
 {
-    const std::vector<Row> up{{0, 1}, {1, 3}, {3, 4}};
-    const std::vector<Row> down{{3, 4}, {1, 3}, {0, 1}};
+    const std::vector<TableRow> up{{0, 1}, {1, 3}, {3, 4}};
+    const std::vector<TableRow> down{{3, 4}, {1, 3}, {0, 1}};
     struct Case {
         double dV;
         double dI;
@@ -231,7 +171,7 @@ TEST(Evaluate, TablesWithoutAnAnswer)
 {
     double i = 7.0;
     EXPECT_FALSE(CRV_Evaluate(nullptr, 1, CORNER_TYP, &i));
-    for (const auto& rows : std::vector<std::vector<Row>>{
+    for (const auto& rows : std::vector<std::vector<TableRow>>{
              {}, {{1, 1}}, {{1, 1}, {1, 2}}, {{0, NA}, {1, NA}}, {{NA, 1}, {NA, 2}, {0, 1}}}) {
         EXPECT_FALSE(CRV_Evaluate(Table(rows).get(), 1, CORNER_TYP, &i));
     }
@@ -253,7 +193,7 @@ TEST(CurveHelpers, UsableRows)
 TEST(CurveHelpers, Direction)
 {
     struct Case {
-        std::vector<Row> rows;
+        std::vector<TableRow> rows;
         int iDirection;
     };
     for (const Case& c : {Case{{{0, 0}, {1, 0}}, 1},

@@ -7,6 +7,7 @@
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_list.h"
 #include "ibis/source/nuibis_mdl.h"
+#include "ibis/source/nuibis_msel.h"
 #include "ibis/source/nuibis_pin.h"
 #include "ibis/source/nuibis_pinmpg.h"
 #include "ibis/source/nuibis_pkg.h"
@@ -492,4 +493,68 @@ void CMPNT_FreeList(CMPNT* list)
         APKG_Free(component.pAltPackageModels);
         CMPNTEMI_Free(component.pEmi);
     });
+}
+
+// Models on differential pins -----------------------------------------------------------------------------
+
+CMPNT_DiffPins::CMPNT_DiffPins(const CMPNT* components, msel* selectors)
+{
+    try {
+        CMN_Vector<const CMPNT*> newestFirst;
+        for (; components != nullptr; components = components->pNext) {
+            newestFirst.push_back(components);
+        }
+        for (auto component = newestFirst.rbegin(); component != newestFirst.rend(); ++component) {
+            addComponent(**component, selectors);
+        }
+    } catch (const std::bad_alloc&) {
+        // Told by the allocation itself. What was found so far stands.
+    }
+}
+
+void CMPNT_DiffPins::addComponent(const CMPNT& component, msel* selectors)
+{
+    if (component.pDiffPins == nullptr) {
+        return;
+    }
+    for (const PIN* pin = component.pPins; pin != nullptr; pin = pin->pNext) {
+        if (DIFPIN_Has(component.pDiffPins, pin->szPin)) {
+            mUses.try_emplace(pin->szModel, Use{pin, mSelectors.size()});
+            addSelector(*pin, MSEL_Find(pin->szModel, selectors));
+        }
+    }
+}
+
+void CMPNT_DiffPins::addSelector(const PIN& pin, msel* selector)
+{
+    if (selector == nullptr || !mSeen.insert(selector).second) {
+        return;
+    }
+    for (const mselmodel* entry = selector->pModels; entry != nullptr; entry = entry->pNext) {
+        mUses.try_emplace(entry->szName, Use{&pin, mSelectors.size()});
+    }
+    mSelectors.push_back(selector);
+}
+
+// What an earlier search has marked needs no second visit: a check of n models stays linear.
+void CMPNT_DiffPins::passSelectors(std::size_t count)
+{
+    for (; muPassed < count; ++muPassed) {
+        mSelectors[muPassed]->eDiffUse = 0;
+    }
+}
+
+bool CMPNT_UsesDiffModel(nuibis_mdl* model, CMPNT_DiffPins& pins, const PIN** pin)
+{
+    const auto use = pins.mUses.find(model->szName);
+    const bool found = use != pins.mUses.end();
+    pins.passSelectors(found ? use->second.uiSelectors : pins.mSelectors.size());
+    if (!found) {
+        return false;
+    }
+    model->eDiffUse = 0;
+    if (pin != nullptr) {
+        *pin = use->second.pPin;
+    }
+    return true;
 }

@@ -71,11 +71,12 @@ void CMPNT_FreeList(CMPNT* list);
 
 /// The pins of a file that stand in a [Diff Pin] pair, in either column, by the models that they may use:
 /// components and their pins in file order, a pin naming a model or a model selector. Made once for a check
-/// of many models, from lists that stay as they are meanwhile. Without memory it holds no pin.
+/// of many models, from lists that stay as they are meanwhile. Where memory runs out, it holds the pins found
+/// so far.
 class CMPNT_DiffPins
 {
   public:
-    CMPNT_DiffPins(CMPNT* components, msel* selectors);
+    CMPNT_DiffPins(const CMPNT* components, msel* selectors);
 
   private:
     friend bool CMPNT_UsesDiffModel(nuibis_mdl* model, CMPNT_DiffPins& pins, const PIN** pin);

@@ -7,6 +7,7 @@
 #include "ibis/source/nuibis_limit.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_rcvth.h"
 #include "ibis/source/nuibis_submdl.h"
 
 #include <array>
@@ -22,6 +23,7 @@ ibis* gpScopeRoot = nullptr;
 void CheckModels(ibis& root)
 {
     if (root.pModels != nullptr) {
+        RCVTH_CheckUse(root.pModels, root.pComponents, root.pModelSelectors);
         ACDC_CheckModels(root.pModels);
         LIMIT_CheckModels(root.pModels);
         DRVSH_CheckAll(root.pModels);

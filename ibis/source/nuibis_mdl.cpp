@@ -1,12 +1,16 @@
 #include "ibis/source/nuibis_mdl.h"
 
+#include "ibis/source/nuibis_ccorner.h"
 #include "ibis/source/nuibis_crv.h"
 #include "ibis/source/nuibis_drvsh.h"
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
+#include "ibis/source/nuibis_idly.h"
 #include "ibis/source/nuibis_list.h"
 #include "ibis/source/nuibis_mdlemi.h"
+#include "ibis/source/nuibis_mspec.h"
 #include "ibis/source/nuibis_ramp.h"
+#include "ibis/source/nuibis_rcvth.h"
 #include "ibis/source/nuibis_rng.h"
 #include "ibis/source/nuibis_sinfo.h"
 #include "ibis/source/nuibis_submdl.h"
@@ -208,14 +212,6 @@ void ReadTriple(const TripleParameter& parameter, std::string_view text)
     }
 }
 
-template <class Row, std::size_t N>
-const Row* FindByName(const std::array<Row, N>& rows, std::string_view name)
-{
-    const auto* const row =
-        std::find_if(rows.begin(), rows.end(), [name](const Row& r) { return r.sName == name; });
-    return row == rows.end() ? nullptr : row;
-}
-
 // [Model] and its subparameter lines ----------------------------------------------------------------------
 
 void ReadName(std::string_view text)
@@ -239,13 +235,12 @@ void ReadName(std::string_view text)
 
 void ReadSubparameter(std::string_view text)
 {
-    std::string_view rest = text;
-    const std::string_view name = CMN_NextTokenDelim(rest, '=');
-    if (const WordParameter* word = FindByName(WORDS, name); word != nullptr) {
+    const std::string_view name = FIELD_ItemName(text);
+    if (const WordParameter* word = FIELD_FindByName(WORDS, name); word != nullptr) {
         word->read(text, name);
-    } else if (const ScalarParameter* scalar = FindByName(SCALARS, name); scalar != nullptr) {
+    } else if (const ScalarParameter* scalar = FIELD_FindByName(SCALARS, name); scalar != nullptr) {
         ReadScalar(*scalar, text);
-    } else if (const TripleParameter* triple = FindByName(TRIPLES, name); triple != nullptr) {
+    } else if (const TripleParameter* triple = FIELD_FindByName(TRIPLES, name); triple != nullptr) {
         ReadTriple(*triple, text);
     } else {
         MSG_ErrorLine(174);
@@ -568,6 +563,111 @@ void CloseSeriesMosfet(nuibis_keyword)
     }
 }
 
+// Specifications ------------------------------------------------------------------------------------------
+
+using Presence = bool (*)(const nuibis_mdl& model);
+
+// A reader that goes through a model once has the thresholds before the data that they apply to.
+constexpr std::array<Presence, 21> BEHIND_THRESHOLDS{
+    MDL_Has<&nuibis_mdl::pTempRange>,
+    MDL_Has<&nuibis_mdl::pVoltageRange>,
+    MDL_Has<&nuibis_mdl::pPullupRef>,
+    MDL_Has<&nuibis_mdl::pPulldownRef>,
+    MDL_Has<&nuibis_mdl::pPowerClampRef>,
+    MDL_Has<&nuibis_mdl::pGndClampRef>,
+    MDL_Has<&nuibis_mdl::pTTgnd>,
+    MDL_Has<&nuibis_mdl::pTTpower>,
+    MDL_Has<&nuibis_mdl::pDriverSchedule>,
+    MDL_Has<&nuibis_mdl::pPullup>,
+    MDL_Has<&nuibis_mdl::pPulldown>,
+    MDL_Has<&nuibis_mdl::pPowerClamp>,
+    MDL_Has<&nuibis_mdl::pGndClamp>,
+    MDL_Has<&nuibis_mdl::pRgnd>,
+    MDL_Has<&nuibis_mdl::pRpower>,
+    MDL_Has<&nuibis_mdl::pRac>,
+    MDL_Has<&nuibis_mdl::pCac>,
+    MDL_Has<&nuibis_mdl::pRamp>,
+    MDL_Has<&nuibis_mdl::pRising>,
+    MDL_Has<&nuibis_mdl::pFalling>,
+    MDL_Has<&nuibis_mdl::pAddSubmodels>,
+};
+
+constexpr std::array<Presence, 3> BEHIND_SPEC_ONLY{
+    MDL_Has<&nuibis_mdl::pReceiverThresholds>,
+    MDL_Has<&nuibis_mdl::pIssoPd>,
+    MDL_Has<&nuibis_mdl::pIssoPu>,
+};
+
+bool HasAny(std::span<const Presence> items)
+{
+    return std::any_of(items.begin(), items.end(), [](Presence isGiven) { return isGiven(*gpCurModel); });
+}
+
+void OpenModelSpec(std::string_view text)
+{
+    if (HasAny(BEHIND_THRESHOLDS) || HasAny(BEHIND_SPEC_ONLY)) {
+        MSG_ErrorLine(116);
+    }
+    MSPEC_Open(text, &gpCurModel->pModelSpec);
+}
+
+void ReadModelSpec(std::string_view text)
+{
+    MSPEC_Line(text, gpCurModel->pModelSpec, *gpCurModel);
+}
+
+void CloseModelSpec(nuibis_keyword)
+{
+    MSPEC_Close(gpCurModel->pModelSpec, *gpCurModel);
+}
+
+void OpenReceiverThresholds(std::string_view text)
+{
+    if (HasAny(BEHIND_THRESHOLDS)) {
+        MSG_ErrorLine(120);
+    }
+    // Differential receivers are outside the set too.
+    if (!MDL_IsOneOf(gpCurModel->eModelType, MDL_RECEIVERS)) {
+        MSG_WarningLine(117, MDL_TypeText(gpCurModel->eModelType));
+    }
+    RCVTH_Open(text, &gpCurModel->pReceiverThresholds);
+}
+
+void ReadReceiverThresholds(std::string_view text)
+{
+    RCVTH_Line(text, gpCurModel->pReceiverThresholds);
+}
+
+void CloseReceiverThresholds(nuibis_keyword)
+{
+    RCVTH_Close(gpCurModel->pReceiverThresholds, gpCurModel->szName);
+}
+
+void OpenCornerCapacitances(std::string_view text)
+{
+    CCORNER_Open(text, &gpCurModel->pCCompCorner);
+}
+
+void ReadCornerCapacitances(std::string_view text)
+{
+    CCORNER_Line(text, gpCurModel->pCCompCorner);
+}
+
+void CloseCornerCapacitances(nuibis_keyword)
+{
+    CCORNER_Close(gpCurModel->pCCompCorner, gpCurModel->szName);
+}
+
+void OpenInitialDelay(std::string_view text)
+{
+    IDLY_Open(text, &gpCurModel->pInitialDelay);
+}
+
+void ReadInitialDelay(std::string_view text)
+{
+    IDLY_Line(gpCurModel->pInitialDelay, text);
+}
+
 // [Driver Schedule] ---------------------------------------------------------------------------------------
 
 void OpenSchedule(std::string_view text)
@@ -730,8 +830,8 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_FALLING_WAVEFORM, OpenWaveform, ReadWaveform, CloseWaveform},
     {KEY_TTGND, ReadTTgnd, RefuseData, nullptr},
     {KEY_TTPOWER, ReadTTpower, RefuseData, nullptr},
-    {KEY_MODEL_SPEC, NotBuilt, NotBuilt, nullptr},
-    {KEY_RECEIVER_THRESHOLDS, NotBuilt, NotBuilt, nullptr},
+    {KEY_MODEL_SPEC, OpenModelSpec, ReadModelSpec, CloseModelSpec},
+    {KEY_RECEIVER_THRESHOLDS, OpenReceiverThresholds, ReadReceiverThresholds, CloseReceiverThresholds},
     {KEY_DRIVER_SCHEDULE, OpenSchedule, ReadSchedule, CloseSchedule},
     {KEY_ON, OpenOn, RefuseData, nullptr},
     {KEY_OFF, OpenOff, RefuseData, nullptr},
@@ -751,8 +851,8 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_COMPOSITE_CURRENT, OpenComposite, ReadComposite, CloseComposite},
     {KEY_BEGIN_EMI_MODEL, OpenEmiModel, ReadEmiModel, CloseEmiModel},
     {KEY_END_EMI_MODEL, NoAction, RefuseModelData, nullptr},
-    {KEY_C_COMP_CORNER, NotBuilt, NotBuilt, nullptr},
-    {KEY_INITIAL_DELAY, NotBuilt, NotBuilt, nullptr},
+    {KEY_C_COMP_CORNER, OpenCornerCapacitances, ReadCornerCapacitances, CloseCornerCapacitances},
+    {KEY_INITIAL_DELAY, OpenInitialDelay, ReadInitialDelay, nullptr},
 });
 
 static_assert(KEYWORDS.size() == KEY_INITIAL_DELAY - KEY_EXTERNAL_MODEL + 1);
@@ -798,6 +898,10 @@ void FreeContent(nuibis_mdl& model)
     WVFRM_Free(model.pFalling);
     SINFO_Free(model.pOn);
     SINFO_Free(model.pOff);
+    MSPEC_Free(model.pModelSpec);
+    RCVTH_Free(model.pReceiverThresholds);
+    CCORNER_Free(model.pCCompCorner);
+    IDLY_Free(model.pInitialDelay);
     CMN_Release(model.pEmiModel);
 }
 
@@ -855,6 +959,7 @@ void MDL_Leave(nuibis_keyword newCode)
         keyword->close(newCode);
     }
     if (!StaysOpen(newCode)) {
+        MDL_Validate(*gpCurModel);
         gpCurModel = nullptr;
     }
 }

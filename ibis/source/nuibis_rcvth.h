@@ -5,6 +5,8 @@
 
 #include "ibis/source/nuibis_cmn.h"
 
+#include <array>
+
 struct CMPNT;
 struct msel;
 struct nuibis_mdl;
@@ -28,6 +30,10 @@ struct rcvth {
     double* pdTdiffslewAc;
 };
 
+/// The words of Reference_supply, exactly as they are spelt.
+inline constexpr std::array<std::string_view, 5> RCVTH_SUPPLIES{"Power_clamp_ref", "Gnd_clamp_ref",
+                                                                "Pullup_ref", "Pulldown_ref", "Ext_ref"};
+
 /// The keyword line; a record that is there already is reported and freed. `*field` stays null only when
 /// memory is out.
 void RCVTH_Open(std::string_view text, rcvth** field);
@@ -40,4 +46,4 @@ void RCVTH_Free(rcvth* thresholds);
 
 /// At the end of the file: whether a receiver stands on a differential pin decides which items it needs.
 /// Marks the models that do.
-void RCVTH_CheckUse(nuibis_mdl* models, CMPNT* components, msel* selectors);
+void RCVTH_CheckUse(nuibis_mdl* models, const CMPNT* components, msel* selectors);
