@@ -10,28 +10,17 @@
 namespace
 {
 
-// `text` with each first string of a pair, which must be there, replaced by the second one.
-std::string Edit(std::string text, const std::vector<std::pair<std::string, std::string>>& edits)
-{
-    for (const auto& [from, to] : edits) {
-        const std::size_t place = text.find(from);
-        EXPECT_NE(place, std::string::npos) << from;
-        text.replace(place, from.size(), to);
-    }
-    return text;
-}
-
 // The driver of the builders: 50 Ohm to either rail of 3.3 V, 3.0 V and 3.6 V.
 Lines OfDriver(const std::vector<std::pair<std::string, std::string>>& edits, const std::string& extra = "",
                std::string_view version = "5.1")
 {
-    return Messages(Ibs(Edit(Driver("D", extra), edits), version));
+    return Unfolded(Messages(Ibs(Edit(Driver("D", extra), edits), version)));
 }
 
 // Those of the model checks alone: other rules have their say on such a model too.
 Lines With(std::string_view part, const std::string& model, std::string_view version = "5.1")
 {
-    return MessagesWith(part, Ibs(model, version));
+    return Unfolded(MessagesWith(part, Ibs(model, version)));
 }
 
 struct Cautions {
@@ -40,27 +29,6 @@ struct Cautions {
     Cautions(const Cautions&) = delete;
     Cautions& operator=(const Cautions&) = delete;
 };
-
-Lines StoredMessages()
-{
-    Lines lines;
-    for (std::size_t i = 0; i < MSG_GetContainer()->getNumErrors(); ++i) {
-        std::string text = MSG_GetContainer()->getErrMsg(i);
-        text.pop_back();
-        lines.push_back(text);
-    }
-    return lines;
-}
-
-// The root of a file that was read, whose records a test may change.
-ibis* RootOf(const std::string& content)
-{
-    ReadHandle(content);
-    ibis* root = nullptr;
-    IBIS_GetCurrent(&root);
-    MSG_ClearContainer();
-    return root;
-}
 
 }  // namespace
 
@@ -593,10 +561,9 @@ TEST(OpenSides, CarryNoCurrentAtAll)
     const auto table = [](std::string_view keyword, std::string_view row) {
         return "[" + std::string(keyword) + "]\n0 0 NA NA\n1 " + std::string(row) + "\n2 0 NA NA\n";
     };
-    const Lines drain{
-        "ERROR -\n    Model 'M': Currents <> 0.0mA in 'Pullup' for Open_drain/Open_sink device"};
+    const Lines drain{"ERROR - Model 'M': Currents <> 0.0mA in 'Pullup' for Open_drain/Open_sink device"};
     const Lines drainIsso{
-        "ERROR -\n    Model 'M': Currents <> 0.0mA in 'ISSO PU' for Open_drain/Open_sink device"};
+        "ERROR - Model 'M': Currents <> 0.0mA in 'ISSO PU' for Open_drain/Open_sink device"};
     const Lines source{"ERROR - Model 'M': Currents <> 0.0mA in 'Pulldown' for Open_source device"};
     const Lines sourceIsso{"ERROR - Model 'M': Currents <> 0.0mA in 'ISSO PD' for Open_source device"};
     for (const char* type : {"Open_drain", "I/O_open_drain", "Open_sink", "I/O_open_sink"}) {
@@ -760,7 +727,7 @@ TEST(EndOfFile, ChecksFollowEachOther)
     const Lines expected{
         CannotDrive("TYP", "3.2V\n          given load Rref=500 Ohms to Vref=0V"),
         CannotDrive("MIN", "3.2V\n          given load Rref=500 Ohms to Vref=0V"),
-        "WARNING -\n    Model 'D': C_comp MAX value 6000pF out of expected range (0pF, 1000pF)  ",
+        "WARNING - Model 'D': C_comp MAX value 6000pF out of expected range (0pF, 1000pF)  ",
         "ERROR - Model Y used in the Driver Schedule of Model D is not defined",
         "ERROR - Model X used in the Driver Schedule of Model D is not defined",
         "ERROR - Model 'Z' in Model Selector 'Q' is not defined in the file",
@@ -769,11 +736,7 @@ TEST(EndOfFile, ChecksFollowEachOther)
         "WARNING - Submodel S is not referenced by any model [Add Submodel] keyword",
         "WARNING - Sub Model 'S': TYP Rising Ramptime 2.000e+06nsec unusually large ( > 1.000e+06nsec )",
         "ERROR - Could not find definition for Submodel T of Model N"};
-    EXPECT_EQ(
-        Messages(Bare(
-            Component(
-                "U1",
-                "1 S1 D 50m 2nH 1pF\n2 S2 N 50m 2nH 1pF\n3 S3 Q 50m 2nH 1pF\n9 S9 nowhere 99 2nH 1pF\n") +
-            models + rest)),
-        expected);
+    const std::string pins =
+        "1 S1 D 50m 2nH 1pF\n2 S2 N 50m 2nH 1pF\n3 S3 Q 50m 2nH 1pF\n9 S9 nowhere 99 2nH 1pF\n";
+    EXPECT_EQ(Unfolded(Messages(Bare(Component("U1", pins) + models + rest))), expected);
 }

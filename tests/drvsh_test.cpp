@@ -6,11 +6,11 @@
 namespace
 {
 
-// The schedule of a driver M, with drivers A and B to be scheduled. Its keyword stands on line 29.
+// The schedule of a driver M, with drivers A and B to be scheduled. Its keyword stands on line 35.
 Lines OfSchedule(const std::string& lines, const std::string& more = "", std::string_view version = "5.1")
 {
-    return Messages(
-        Ibs(Driver("M", "[Driver Schedule]" + lines) + Driver("A") + Driver("B") + more, version));
+    return Unfolded(
+        Messages(Ibs(Driver("M", "[Driver Schedule]" + lines) + Driver("A") + Driver("B") + more, version)));
 }
 
 }  // namespace
@@ -23,23 +23,23 @@ TEST(DriverSchedule, LinesAndNames)
     EXPECT_EQ(OfSchedule("\n" + two), Lines{});
     const std::vector<std::pair<std::string, Lines>> cases{
         {" x y\n" + two,
-         {"ERROR (line   33) -\n    Incorrect Number of Line Items (3) For Driver Schedule: Expecting 1"}},
+         {"ERROR (line   35) - Incorrect Number of Line Items (3) For Driver Schedule: Expecting 1"}},
         {"\n", {"ERROR - Model 'M': The [Driver_Schedule] has no models defined"}},
         {"\nA 0 1n NA NA\n", {"WARNING - Model 'M': The [Driver_Schedule] has only one model defined"}},
         {"\n" + two + "[Driver Schedule]\n" + two,
-         {"ERROR (line   36) - Driver Schedule: Already Defined for this model"}},
+         {"ERROR (line   38) - Driver Schedule: Already Defined for this model"}},
         // Repeats are not looked for.
         {"\nA 0 1n NA NA\nA 0 1n NA NA\n", {}},
         {"\nA 0 1n NA NA\nM 0 1n NA NA\n",
-         {"ERROR (line   35) -\n    Model Name in Driver Schedule is the same as enclosing Model (\"M\")",
+         {"ERROR (line   37) - Model Name in Driver Schedule is the same as enclosing Model (\"M\")",
           "ERROR - Model M used in the Driver Schedule of Model M cannot itself have a Driver Schedule"}},
         {"\nA 0 1n NA NA\nPOWER 0 1n NA NA\n",
-         {"ERROR (line   35) -\n    Invalid Model Name in Driver Schedule (\"POWER\"); Reserved Word.",
+         {"ERROR (line   37) - Invalid Model Name in Driver Schedule (\"POWER\"); Reserved Word.",
           "ERROR - Model POWER used in the Driver Schedule of Model M is not defined"}},
         {"\nA 0 1n NA NA\n" + long41 + " 0 1n NA NA\n",
-         {"ERROR (line   35) - Model Name Over 40 Characters Long",
+         {"ERROR (line   37) - Model Name Over 40 Characters Long",
           "ERROR - Model " + cut + " used in the Driver Schedule of Model M is not defined"}},
-        {"\nA 0 1n NA NA\nB 0 1n NA\n", {"ERROR (line   35) - x"}},
+        {"\nA 0 1n NA NA\nB 0 1n NA\n", {"ERROR (line   37) - No Fall_off_dly Value Was Provided for M"}},
     };
     for (const auto& [lines, messages] : cases) {
         EXPECT_EQ(OfSchedule(lines), messages) << lines;
@@ -48,11 +48,11 @@ TEST(DriverSchedule, LinesAndNames)
 
 TEST(DriverScheduleAtEnd, WhatIsScheduledDrives)
 {
-    const std::string typed = "[Model] T\nModel_type ";
+    const std::string scheduling =
+        Driver("M", "[Driver Schedule]\nA 0 1n NA NA\nT 0 1n NA NA\n") + Driver("A");
     for (const char* type : {"Input", "Input_ECL", "Terminator", "Series", "Series_switch"}) {
         EXPECT_EQ(
-            MessagesWith("Schedule", Ibs(Driver("M", "[Driver Schedule]\nA 0 1n NA NA\nT 0 1n NA NA\n") +
-                                         Driver("A") + typed + type + "\n[Voltage Range] 5 5 5\n")),
+            Unfolded(MessagesWith("Schedule", Ibs(scheduling + "[Model] T\nModel_type " + type + "\n"))),
             Lines{"ERROR - Model T used in the Driver Schedule of Model M should be an output model"})
             << type;
     }
@@ -69,9 +69,7 @@ TEST(DriverScheduleAtEnd, ScheduledModelsAreReferenced)
              Driver("M", "[Driver Schedule]\nA 0 1n NA NA\nB 0 2n NA NA\n") + Driver("A") + Driver("B"));
     EXPECT_EQ(Messages(file), Lines{});
     // One model at a time, within its root.
-    ReadHandle(file);
-    ibis* root = nullptr;
-    IBIS_GetCurrent(&root);
+    ibis* const root = RootOf(file);
     nuibis_mdl* const a = MDL_Find("A", root->pModels);
     a->uiReferenced = 0;
     DRVSH_CheckModel(MDL_Find("B", root->pModels), root);

@@ -10,20 +10,9 @@
 namespace
 {
 
-std::string Edit(std::string text, const std::string& from, const std::string& to)
+Lines With(std::string_view part, const std::string& body)
 {
-    EXPECT_NE(text.find(from), std::string::npos) << from;
-    return text.replace(text.find(from), from.size(), to);
-}
-
-Lines StoredMessages()
-{
-    Lines lines;
-    for (std::size_t i = 0; i < MSG_GetContainer()->getNumErrors(); ++i) {
-        lines.emplace_back(MSG_GetContainer()->getErrMsg(i));
-        lines.back().pop_back();
-    }
-    return lines;
+    return Unfolded(MessagesWith(part, Ibs(body)));
 }
 
 }  // namespace
@@ -31,13 +20,12 @@ Lines StoredMessages()
 TEST(LimitsOfModels, Capacitances)
 {
     const auto of = [](const std::string& line) {
-        return MessagesWith("out of expected range", Ibs(Edit(Model("M"), "C_comp 5pF 4pF 6pF", line)));
+        return With("out of expected range", Edit(Model("M"), {{"C_comp 5pF 4pF 6pF", line}}));
     };
     const std::string range = "pF out of expected range (0pF, 1000pF)  ";
     EXPECT_EQ(of("C_comp 1nF 0 1nF"), Lines{});
-    EXPECT_EQ(of("C_comp -1pF NA 1.01nF"),
-              (Lines{"WARNING - Model 'M': C_comp TYP value -1" + range,
-                     "WARNING -\n    Model 'M': C_comp MAX value 1010" + range}));
+    EXPECT_EQ(of("C_comp -1pF NA 1.01nF"), (Lines{"WARNING - Model 'M': C_comp TYP value -1" + range,
+                                                  "WARNING - Model 'M': C_comp MAX value 1010" + range}));
     for (const char* name : {"C_comp_pullup", "C_comp_pulldown", "C_comp_power_clamp", "C_comp_gnd_clamp"}) {
         EXPECT_EQ(of("C_comp 5pF 4pF 6pF\n" + std::string(name) + " 1pF 1pF 2nF"),
                   Lines{"WARNING - Model 'M': " + std::string(name) + " MAX value 2000" + range})
@@ -48,19 +36,18 @@ TEST(LimitsOfModels, Capacitances)
 TEST(LimitsOfModels, RampTimes)
 {
     const auto of = [](const std::string& rise, const std::string& fall) {
-        return MessagesWith(
-            "Ramptime", Ibs(Edit(Edit(Driver("D"), "dV/dt_r 0.99/1n 0.9/1.5n 1.08/0.8n", "dV/dt_r " + rise),
-                                 "dV/dt_f 0.99/1n 0.9/1.5n 1.08/0.8n", "dV/dt_f " + fall)));
+        return With("Ramptime",
+                    Edit(Driver("D"), {{"dV/dt_r 0.99/1n 0.9/1.5n 1.08/0.8n", "dV/dt_r " + rise},
+                                       {"dV/dt_f 0.99/1n 0.9/1.5n 1.08/0.8n", "dV/dt_f " + fall}}));
     };
     const std::string large = " unusually large ( > 1.000e+06nsec )";
     EXPECT_EQ(of("1/1m 1/1m 1/1m", "1/1m NA NA"), Lines{});
     EXPECT_EQ(of("1/1m NA 1/1.1m", "1/2 1/1n 1/1n"),
               (Lines{"WARNING - Model 'D': MAX Rising Ramptime 1.100e+06nsec" + large,
                      "WARNING - Model 'D': TYP Falling Ramptime 2.000e+09nsec" + large}));
-    EXPECT_EQ(
-        MessagesWith("Ramptime", Ibs(Model("M") + "[Submodel] S\nSubmodel_type Fall_back\n[Ramp]\ndV/dt_r "
-                                                  "1/1m 1/1n 1/1n\ndV/dt_f 1/2m NA NA\n")),
-        Lines{"WARNING - Sub Model 'S': TYP Falling Ramptime 2.000e+06nsec" + large});
+    EXPECT_EQ(With("Ramptime", Model("M") + "[Submodel] S\nSubmodel_type Fall_back\n[Ramp]\ndV/dt_r 1/1m "
+                                            "1/1n 1/1n\ndV/dt_f 1/2m NA NA\n"),
+              Lines{"WARNING - Sub Model 'S': TYP Falling Ramptime 2.000e+06nsec" + large});
 }
 
 TEST(LimitsOfModels, TablesThatADriverOughtToHave)
@@ -81,7 +68,7 @@ TEST(LimitsOfModels, TablesThatADriverOughtToHave)
         silenced + "changing the Model_type or by adding a\n         [Pullup] table."};
     const auto of = [](const std::string& type, const std::string& keyword) {
         const std::string table = keyword.empty() ? "" : "[" + keyword + "]\n0 0 0 0\n1 0 0 0\n";
-        return MessagesWith("no description", Ibs(Edit(Model("M", table), "Input", type)));
+        return With("no description", Edit(Model("M", table), {{"Input", type}}));
     };
     for (const char* type : {"Output", "I/O", "3-state", "Output_ECL", "I/O_ECL", "3-state_ECL"}) {
         EXPECT_EQ(of(type, "Pulldown"), noPullup) << type;
@@ -104,48 +91,43 @@ TEST(LimitsOfModels, TablesThatADriverOughtToHave)
 TEST(LimitsOfComponents, PackageValues)
 {
     const auto of = [](const std::string& from, const std::string& to) {
-        return Messages(Edit(Ibs(Model("M")), from, to));
+        return Unfolded(Messages(Edit(Ibs(Model("M")), {{from, to}})));
     };
     const std::string ohms = " Ohms not within expected range (0 Ohms, 50 Ohms)";
     EXPECT_EQ(of("R_pkg 50m 40m 60m", "R_pkg 50 0 50"), Lines{});
     EXPECT_EQ(of("R_pkg 50m 40m 60m", "R_pkg 1 -1 50.5"),
               (Lines{"WARNING - CMPT 'U1': Rpkg MIN value -1" + ohms,
-                     "WARNING -\n    CMPT 'U1': Rpkg MAX value 50.5" + ohms}));
+                     "WARNING - CMPT 'U1': Rpkg MAX value 50.5" + ohms}));
     EXPECT_EQ(of("R_pkg 50m 40m 60m", "R_pkg 50m 60m 40m"),
               Lines{"WARNING - CMPT 'U1': Rpkg Max value < Min value"});
     EXPECT_EQ(of("L_pkg 2nH 1nH 3nH", "L_pkg 2nH 1nH 1uH"), Lines{});
     EXPECT_EQ(of("L_pkg 2nH 1nH 3nH", "L_pkg 2nH 3nH 1nH"),
               Lines{"WARNING - CMPT 'U1': Lpkg Max value < Min value"});
-    EXPECT_EQ(
-        of("L_pkg 2nH 1nH 3nH", "L_pkg 1.5uH NA NA"),
-        Lines{"WARNING -\n    CMPT 'U1': Lpkg TYP value 1500nH not within expected range (0nH, 1000nH)"});
+    EXPECT_EQ(of("L_pkg 2nH 1nH 3nH", "L_pkg 1.5uH NA NA"),
+              Lines{"WARNING - CMPT 'U1': Lpkg TYP value 1500nH not within expected range (0nH, 1000nH)"});
     EXPECT_EQ(of("C_pkg 1pF 0.8pF 1.2pF", "C_pkg 1pF 1.2pF 0.8pF"),
               Lines{"WARNING - CMPT 'U1': Cpkg Max value < Min value"});
-    EXPECT_EQ(
-        of("C_pkg 1pF 0.8pF 1.2pF", "C_pkg 1.5nF 1nF 2nF"),
-        (Lines{"WARNING -\n    CMPT 'U1': Cpkg TYP value 1500pF not within expected range (0pF, 1000pF)",
-               "WARNING -\n    CMPT 'U1': Cpkg MAX value 2000pF not within expected range (0pF, 1000pF)"}));
+    EXPECT_EQ(of("C_pkg 1pF 0.8pF 1.2pF", "C_pkg 1.5nF 1nF 2nF"),
+              (Lines{"WARNING - CMPT 'U1': Cpkg TYP value 1500pF not within expected range (0pF, 1000pF)",
+                     "WARNING - CMPT 'U1': Cpkg MAX value 2000pF not within expected range (0pF, 1000pF)"}));
 }
 
 TEST(LimitsOfComponents, PinValues)
 {
     const auto of = [](const std::string& values) {
-        return Messages(Edit(Ibs(Model("M")), "1 S1 M 50m 2nH 1pF", "1 S1 M " + values));
+        return Unfolded(Messages(Edit(Ibs(Model("M")), {{"1 S1 M 50m 2nH 1pF", "1 S1 M " + values}})));
     };
     EXPECT_EQ(of("50 1uH 1nF"), Lines{});
     EXPECT_EQ(of("NA NA NA"), Lines{});
     EXPECT_EQ(of("50.5 1.001uH 1.5nF"),
-              (Lines{"WARNING -\n    CMPT 'U1', Pin '1': Pin Resistance 50.5 Ohms greater than 50 Ohms",
+              (Lines{"WARNING - CMPT 'U1', Pin '1': Pin Resistance 50.5 Ohms greater than 50 Ohms",
                      "WARNING - CMPT 'U1', Pin '1': Pin Inductance 1001nH greater than 1000nH",
                      "WARNING - CMPT 'U1', Pin '1': Pin Capacitance 1500pF greater than 1000pF"}));
 }
 
 TEST(LimitsOfComponents, NodesHaveNamesOfTheirOwn)
 {
-    ReadHandle(Ibs(Model("M")));
-    ibis* root = nullptr;
-    IBIS_GetCurrent(&root);
-    MSG_ClearContainer();
+    ibis* const root = RootOf(Ibs(Model("M")));
     std::array<std::string, 5> names{"n1", "1", "n1", "N1", "n1"};
     std::array<NODELIST, 5> nodes{};
     for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -161,11 +143,10 @@ TEST(LimitsOfComponents, NodesHaveNamesOfTheirOwn)
 
 TEST(Limits, ChecksThatAreOff)
 {
-    ReadHandle(Edit(Ibs(Edit(Driver("D"), "C_comp 5pF", "C_comp 5nF") +
-                        "[Submodel] S\nSubmodel_type Fall_back\n[Ramp]\ndV/dt_r 1/1 1/1n 1/1n\n"),
-                    "1 S1 D 50m", "1 S1 D 99"));
-    ibis* root = nullptr;
-    IBIS_GetCurrent(&root);
+    const std::string submodel =
+        "[Submodel] S\nSubmodel_type Fall_back\n[Ramp]\ndV/dt_r 1/1 1/1n 1/1n\ndV/dt_f 1/1n 1/1n 1/1n\n";
+    ibis* const root = RootOf(
+        Edit(Ibs(Driver("D") + submodel), {{"1 S1 D 50m", "1 S1 D 99"}, {"C_comp 5pF", "C_comp 5nF"}}));
     for (const bool on : {false, true}) {
         MSG_ClearContainer();
         LIMIT_SetChecks(on);
