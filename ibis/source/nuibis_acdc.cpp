@@ -1,5 +1,6 @@
 #include "ibis/source/nuibis_acdc.h"
 
+#include "ibis/source/nuibis_list.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_mspec.h"
 #include "ibis/source/nuibis_submdl.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace
 {
@@ -545,25 +547,78 @@ constexpr std::array<ClampState, 2> CLAMP_STATES{{
      SUBMODE_DRIVING, "Combined Clamp in Driving Mode for Model"},
 }};
 
+// Adds tables up, in their order as long as the sum is of ordinary size. Against a large sum a small table
+// waits for others, so that thousands of submodels do not each walk all that was added before.
+class RunningSum
+{
+  public:
+    explicit RunningSum(nuibis_corner corner) : meCorner(corner) {}
+
+    void add(CRV_Curve curve)
+    {
+        unsigned rows = 0;
+        for (const rngp* row = curve == nullptr ? nullptr : curve->pHead; row != nullptr; row = row->pNext) {
+            ++rows;
+        }
+        mParts.push_back({std::move(curve), rows});
+        while (mParts.size() > 1 && joinsAtOnce(mParts[mParts.size() - 2])) {
+            joinLast();
+        }
+    }
+    // Null when a table was missing or memory is out.
+    CRV_Curve take()
+    {
+        while (mParts.size() > 1) {
+            joinLast();
+        }
+        return std::move(mParts.front().curve);
+    }
+
+  private:
+    struct Part {
+        CRV_Curve curve;
+        unsigned uiRows;
+    };
+
+    static constexpr unsigned ORDINARY_ROWS = 512;  // a model's tables and submodels of 100 rows each
+
+    bool joinsAtOnce(const Part& former) const
+    {
+        return former.uiRows <= ORDINARY_ROWS || former.uiRows <= 2 * mParts.back().uiRows;
+    }
+    void joinLast()
+    {
+        const Part last = std::move(mParts.back());
+        mParts.pop_back();
+        Part& sum = mParts.back();
+        sum.curve = Sum(sum.curve, last.curve, meCorner);
+        sum.uiRows += last.uiRows;
+    }
+
+    nuibis_corner meCorner;
+    CMN_Vector<Part> mParts;
+};
+
 // The model's clamps and those of its dynamic clamps that are active in a state.
 CRV_Curve SumOfClamps(const nuibis_mdl& model, submdl* submodels, const ACDC_Refs& refs, nuibis_corner corner,
                       submdl_modes mode)
 {
-    CRV_Curve sum = Sum(GndClampOnPadAxis(model.pGndClamp, refs, corner),
-                        PowerClampOnPadAxis(model.pPowerClamp, refs, corner), corner);
+    RunningSum sum(corner);
+    sum.add(GndClampOnPadAxis(model.pGndClamp, refs, corner));
+    sum.add(PowerClampOnPadAxis(model.pPowerClamp, refs, corner));
     for (const addsubmdl* entry = model.pAddSubmodels; entry != nullptr; entry = entry->pNext) {
         const submdl* const clamp = SUBMDL_Find(entry->szName, submodels);
         const bool active = entry->eMode == mode || entry->eMode == SUBMODE_ALL;
         if (clamp != nullptr && clamp->eSubmodelType == SUBMDL_DYNAMIC_CLAMP && active) {
-            sum = Sum(sum, GndClampOnPadAxis(clamp->pGndClamp, refs, corner), corner);
-            sum = Sum(sum, PowerClampOnPadAxis(clamp->pPowerClamp, refs, corner), corner);
+            sum.add(GndClampOnPadAxis(clamp->pGndClamp, refs, corner));
+            sum.add(PowerClampOnPadAxis(clamp->pPowerClamp, refs, corner));
         }
     }
-    return sum;
+    return sum.take();
 }
 
 void CombineClamps(const nuibis_mdl& model, submdl* submodels, nuibis_corner corner)
-{
+try {
     if (model.pGndClamp != nullptr && model.pPowerClamp != nullptr && !IsUsable(model.pGndClamp, corner) &&
         !IsUsable(model.pPowerClamp, corner)) {
         return;
@@ -575,6 +630,8 @@ void CombineClamps(const nuibis_mdl& model, submdl* submodels, nuibis_corner cor
             CRV_ReportPiecewise(sum.get(), model.szName, state.sLabel, corner, MSG_Severity::Note);
         }
     }
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself.
 }
 
 // One column of a curve in the monotonic report.

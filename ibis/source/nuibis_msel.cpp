@@ -17,6 +17,14 @@ nuibis_keyword geMselKeyword = NOT_KEY;
 LIST_Tail<mselmodel> gEntries;
 LIST_Repeats gEntryRepeats;
 
+// Series types among a selector's models, looked for once: any number of pins may name the same selector.
+struct SeriesTypes {
+    bool bSeries;
+    bool bSwitch;
+};
+
+CMN_Map<const msel*, SeriesTypes> gSeriesTypes;
+
 LIST_Index<msel, &msel::szName> gSelectors;  // follows the list that was last looked into
 
 void ReadName(std::string_view text)
@@ -132,20 +140,34 @@ void CheckEntries(msel& selector, nuibis_mdl* models)
     selector.eDiffUse = differential ? 0 : 1;
 }
 
-bool HasType(const msel* selector, nuibis_model_type type)
+SeriesTypes FindSeriesTypes(const msel& selector, nuibis_mdl* models)
+{
+    SeriesTypes types{};
+    for (const mselmodel* entry = selector.pModels; entry != nullptr; entry = entry->pNext) {
+        nuibis_model_type found = MODEL_UNSEEN;
+        MDL_GetType(models, entry->szName, &found);
+        types.bSeries |= found == MODEL_SERIES;
+        types.bSwitch |= found == MODEL_SERIES_SWITCH;
+    }
+    return types;
+}
+
+SeriesTypes SeriesTypesOf(const msel* selector)
 {
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_Bug(4020, __FILE_NAME__, __LINE__);
-        return false;
+        return {};
     }
-    for (const mselmodel* entry = selector->pModels; entry != nullptr; entry = entry->pNext) {
-        nuibis_model_type found = MODEL_UNSEEN;
-        if (MDL_GetType(root->pModels, entry->szName, &found) && found == type) {
-            return true;
-        }
+    try {
+        const auto known = gSeriesTypes.find(selector);
+        return known != gSeriesTypes.end()
+                   ? known->second
+                   : gSeriesTypes.try_emplace(selector, FindSeriesTypes(*selector, root->pModels))
+                         .first->second;
+    } catch (const std::bad_alloc&) {
+        return FindSeriesTypes(*selector, root->pModels);
     }
-    return false;
 }
 
 }  // namespace
@@ -155,6 +177,7 @@ void MSEL_Init()
     gpCurMsel = nullptr;
     geMselKeyword = NOT_KEY;
     gEntryRepeats.reset();
+    gSeriesTypes.clear();
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_BugLine(4000, __FILE_NAME__, __LINE__);
@@ -221,6 +244,7 @@ void MSEL_FreeList(msel* list)
 {
     gpCurMsel = nullptr;
     gEntryRepeats.reset();
+    gSeriesTypes.clear();
     gSelectors.reset();
     CMN_FreeList(list, [](msel& selector) { CMN_FreeList(selector.pModels); });
 }
@@ -237,10 +261,10 @@ int MSEL_Exists(std::string_view name, msel* list)
 
 bool MSEL_HasSeries(const msel* selector)
 {
-    return HasType(selector, MODEL_SERIES);
+    return SeriesTypesOf(selector).bSeries;
 }
 
 bool MSEL_HasSeriesSwitch(const msel* selector)
 {
-    return HasType(selector, MODEL_SERIES_SWITCH);
+    return SeriesTypesOf(selector).bSwitch;
 }
