@@ -235,6 +235,10 @@ std::size_t MSG_Format(std::span<char> out, const char* format, std::span<const 
             continue;
         }
         ++p;
+        if (*p == '%') {
+            writer.put('%');
+            continue;
+        }
         const Conversion conversion = ReadConversion(p);
         if (used < args.size()) {
             PutConversion(writer, conversion, args[used++]);
