@@ -144,7 +144,9 @@ void PutConversion(Writer& out, const Conversion& conversion, const MSG_Arg& arg
     std::string_view text;
     switch (arg.eKind) {
     case MSG_Kind::Text:
-        text = arg.sText;
+        text = conversion.iPrecision < 0
+                   ? arg.sText
+                   : arg.sText.substr(0, static_cast<std::size_t>(conversion.iPrecision));
         break;
     case MSG_Kind::Character:
         buffer[0] = static_cast<char>(arg.iValue);
