@@ -78,15 +78,20 @@ std::string InPins(const std::string& lines)
     return InComponent("[Pin] signal_name model_name C_pin L_pin R_pin\n" + lines);
 }
 
-Lines DirectMessages(const std::string& path)
+Lines Stored()
 {
-    MSG_ClearContainer();
-    IBIS11_CheckFile(path);
     Lines lines;
     for (std::size_t i = 0; i < MSG_GetContainer()->getNumErrors(); ++i) {
         lines.emplace_back(MSG_GetContainer()->getErrMsg(i));
     }
     return lines;
+}
+
+Lines DirectMessages(const std::string& path)
+{
+    MSG_ClearContainer();
+    IBIS11_CheckFile(path);
+    return Stored();
 }
 
 }  // namespace
@@ -501,13 +506,14 @@ TEST(OldFile, StandAloneEntry)
         const char* const arguments[] = {"ibis11", path.c_str()};
         return IBIS11_Main(2, arguments);
     };
-    EXPECT_EQ(run(Old(Component("U1", "1 A M\n") + Model("M"))), 0);
-    EXPECT_EQ(MSG_GetContainer()->getNumErrors(), 0U);
-    EXPECT_EQ(run(InSubparameters("Vinl = 1V1\n") + "\n"), 1);  // no component
+    const std::string clean = Old(Component("U1", "1 A M\n") + Model("M", "[Pullup]\n0 1V1 0 0\n1 1 1 1\n"));
+    EXPECT_EQ(run(clean), 0);
+    EXPECT_EQ(Stored(), Lines{"WARNING - Suspicious Pullup Value (\"1V1\"); Numeric In Scale.\n"});
+    EXPECT_EQ(run(Old(Model("M"))), 1);
+    EXPECT_EQ(Stored(), Lines{"ERROR - Missing Keyword: Component\n"});
     EXPECT_EQ(run("[IBIS Ver] 1.1\n[Component] U1\n"), 1);
-    EXPECT_STREQ(MSG_GetContainer()->getErrMsg(),
-                 "ERROR - Missing Keyword: File Name\nERROR - Missing Keyword: File Rev\n"
-                 "ERROR - Missing Keyword: Model\nERROR - Missing Keyword: End\n");
+    EXPECT_EQ(Stored(), (Lines{"ERROR - Missing Keyword: File Name\n", "ERROR - Missing Keyword: File Rev\n",
+                               "ERROR - Missing Keyword: Model\n", "ERROR - Missing Keyword: End\n"}));
     testing::internal::CaptureStderr();
     EXPECT_EQ(IBIS11_Main(1, nullptr), 1);
     EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
