@@ -1,9 +1,11 @@
 #include "ibis/source/nuibis_ibis.h"
 
 #include "ibis/source/nuibis_cmpnt.h"
+#include "ibis/source/nuibis_ebdmdl.h"
 #include "ibis/source/nuibis_hdr.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_pkgmdl.h"
 #include "ibis/source/nuibis_rcvth.h"
 
 #include <array>
@@ -32,6 +34,11 @@ void CheckComponents(ibis& root)
     CMPNT_CheckAll(root.pComponents, root.pCircuits, root.pModels);
 }
 
+void CheckPackageModels(ibis& root)
+{
+    PKGMDL_CheckAll(root.pPackageModels);
+}
+
 void WarnUnreferenced(ibis& root)
 {
     if (root.pModels != nullptr) {
@@ -42,9 +49,10 @@ void WarnUnreferenced(ibis& root)
 using Pass = void (*)(ibis& root);
 
 // The cross-checks of a component file, in their binding order.
-constexpr std::array<Pass, 3> PASSES{
+constexpr std::array<Pass, 4> PASSES{
     CheckReceivers,
     CheckComponents,
+    CheckPackageModels,
     WarnUnreferenced,
 };
 
@@ -94,14 +102,18 @@ void IBIS_Free(ibis* root)
     HDR_FreeList(root->pHeaders);
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
+    PKGMDL_FreeList(root->pPackageModels);
+    EBDMDL_FreeList(root->pBoards);
     MSEL_FreeList(root->pModelSelectors);
     CMN_Free(root);
 }
 
-void IBIS_Finish(const char*, ibis_file_type type, int)
+void IBIS_Finish(const char*, ibis_file_type type, int arg)
 {
     if (type == IBIS_FILE_IBS) {
         IBIS_CheckAll();
+    } else if (ibis* root = nullptr; type != IBIS_FILE_AMI && IBIS_GetCurrent(&root)) {
+        EBDMDL_CheckFile(root->pBoards, arg != 0);
     }
 }
 
