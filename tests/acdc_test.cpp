@@ -380,9 +380,16 @@ TEST(WaveformCheck, DirectionOfTheTablesDoesNotMatter)
 namespace
 {
 
-std::string CannotDrive(const char* corner, const char* load)
+// `load` is Vmeas, Rref and Vref.
+std::string CannotDrive(const std::string& corner, const std::string& load)
 {
-    return std::string("WARNING - Model 'D': ") + corner + " VI curves cannot drive through Vmeas=" + load;
+    std::istringstream in(load);
+    std::string vmeas;
+    std::string rref;
+    std::string vref;
+    in >> vmeas >> rref >> vref;
+    return "WARNING - Model 'D': " + corner + " VI curves cannot drive through Vmeas=" + vmeas +
+           "V\n          given load Rref=" + rref + " Ohms to Vref=" + vref + "V";
 }
 
 // [Model Spec] in its place behind the subparameters.
@@ -398,13 +405,11 @@ TEST(TestLoadCheck, PlainLoad)
 {
     // High, the 50 Ohm of the output give 10/11 of the supply into 500 Ohm: 3.0 V, 2.73 V, 3.27 V.
     EXPECT_EQ(OfDriver({{"Vmeas = 1.5", "Vmeas = 2.72"}}), Lines{});
-    EXPECT_EQ(OfDriver({{"Vmeas = 1.5", "Vmeas = 2.73"}}),
-              Lines{CannotDrive("MIN", "2.73V\n          given load Rref=500 Ohms to Vref=0V")});
+    EXPECT_EQ(OfDriver({{"Vmeas = 1.5", "Vmeas = 2.73"}}), Lines{CannotDrive("MIN", "2.73 500 0")});
     // Low, 1/11 of Vref: 0.3 V.
     EXPECT_EQ(OfDriver({{"Vmeas = 1.5", "Vmeas = 0.29"}, {"Vref = 0", "Vref = 3.3"}}),
-              (Lines{CannotDrive("TYP", "0.29V\n          given load Rref=500 Ohms to Vref=3.3V"),
-                     CannotDrive("MIN", "0.29V\n          given load Rref=500 Ohms to Vref=3.3V"),
-                     CannotDrive("MAX", "0.29V\n          given load Rref=500 Ohms to Vref=3.3V")}));
+              (Lines{CannotDrive("TYP", "0.29 500 3.3"), CannotDrive("MIN", "0.29 500 3.3"),
+                     CannotDrive("MAX", "0.29 500 3.3")}));
     // A part of the load that is missing says nothing.
     EXPECT_EQ(With("cannot drive", Edit(Driver("D"), {{"Vmeas = 1.5", "Vmeas = 9"}, {"Vref = 0\n", ""}})),
               Lines{});
@@ -422,20 +427,17 @@ TEST(TestLoadCheck, OneSidedOutputsAreJudgedOnTheirSide)
 
 TEST(TestLoadCheck, ModelSpecification)
 {
-    const std::string high = "3.1V\n          given load Rref=500 Ohms to Vref=0V";
     // It wins over the model's own value, corner by corner.
-    EXPECT_EQ(WithSpec("Vmeas 1.5 1.4 3.4\n"),
-              Lines{CannotDrive("MAX", "3.4V\n          given load Rref=500 Ohms to Vref=0V")});
+    EXPECT_EQ(WithSpec("Vmeas 1.5 1.4 3.4\n"), Lines{CannotDrive("MAX", "3.4 500 0")});
     EXPECT_EQ(WithSpec("Vmeas 1.5 NA NA\n", {{"Vmeas = 1.5", "Vmeas = 9"}}), Lines{});
     EXPECT_EQ(WithSpec("Rref 50 NA NA\n", {{"Vmeas = 1.5", "Vmeas = 1.6"}}),
-              Lines{CannotDrive("MIN", "1.6V\n          given load Rref=50 Ohms to Vref=0V")});
+              Lines{CannotDrive("MIN", "1.6 50 0")});
     // Forms for the edges: rising first, falling only if rising drives through; the rest of the load is lent.
     EXPECT_EQ(WithSpec("Vmeas_rising 3.1 NA 1\nVmeas_falling -1 -1 -1\n"),
-              (Lines{CannotDrive("TYP Rising", high.c_str()), CannotDrive("MIN Rising", high.c_str()),
-                     CannotDrive("MAX Falling", "-1V\n          given load Rref=500 Ohms to Vref=0V")}));
+              (Lines{CannotDrive("TYP Rising", "3.1 500 0"), CannotDrive("MIN Rising", "3.1 500 0"),
+                     CannotDrive("MAX Falling", "-1 500 0")}));
     // One edge alone: the other takes the plain value.
-    EXPECT_EQ(WithSpec("Vref_falling 20 1 1\n"),
-              Lines{CannotDrive("TYP Falling", "1.5V\n          given load Rref=500 Ohms to Vref=20V")});
+    EXPECT_EQ(WithSpec("Vref_falling 20 1 1\n"), Lines{CannotDrive("TYP Falling", "1.5 500 20")});
     // Without a plain value both edges are needed.
     EXPECT_EQ(WithSpec("Vmeas_rising 9 9 9\n", {{"Vmeas = 1.5\n", ""}}), Lines{});
     EXPECT_EQ(WithSpec("Vmeas_rising 9 9 9\nVmeas_falling 9 9 9\n", {{"Vmeas = 1.5\n", ""}}).size(), 3U);
@@ -583,6 +585,17 @@ TEST(OpenSides, CarryNoCurrentAtAll)
 
 // Combined curves -----------------------------------------------------------------------------------------
 
+namespace
+{
+
+std::string TurnsBack(const std::string& what, const std::string& column)
+{
+    return "NOTE - Combined " + what + " " + column +
+           " data is non-monotonic based on piece-wise linear interpolation";
+}
+
+}  // namespace
+
 TEST(CombinedCurves, TurningBackIsNoted)
 {
     const auto notes = [](const std::vector<std::pair<std::string, std::string>>& edits) {
@@ -590,16 +603,13 @@ TEST(CombinedCurves, TurningBackIsNoted)
     };
     EXPECT_EQ(notes({}), Lines{});
     EXPECT_EQ(notes({{"0 0 0 0\n6.6 132m 132m 132m", "0 0 0 0\n3 70m 60m 60m\n6.6 60m 132m 60m"}}),
-              (Lines{"NOTE - Combined Pulldown for Model: D Typical data is non-monotonic based on "
-                     "piece-wise linear interpolation"}));
+              (Lines{TurnsBack("Pulldown for Model: D", "Typical")}));
     EXPECT_EQ(notes({{"0 0 0 0\n6.6 -132m -132m -132m", "0 0 1m -1m\n6.6 -132m -132m 0"}}),
-              (Lines{"NOTE - Combined Pullup for Model: D Maximum data is non-monotonic based on piece-wise "
-                     "linear interpolation"}));
+              (Lines{TurnsBack("Pullup for Model: D", "Maximum")}));
     // A table whose voltages turn back: the first column is told once, at TYP.
     EXPECT_EQ(
         notes({{"0 0 0 0\n6.6 132m 132m 132m", "2 40m 40m 40m\n1 20m 20m 20m\n6.6 132m 132m 132m"}}).front(),
-        "NOTE - Combined Pulldown for Model: D Voltage data is non-monotonic based on piece-wise linear "
-        "interpolation");
+        TurnsBack("Pulldown for Model: D", "Voltage"));
 }
 
 TEST(CombinedCurves, CornerWithoutEitherTableIsLeftAlone)
@@ -632,8 +642,7 @@ TEST(CombinedCurves, ChecksThatAreOffLeaveTheNotes)
     ACDC_SetChecks(false);
     ACDC_CheckModels(root->pModels);
     ACDC_SetChecks(true);
-    EXPECT_EQ(StoredMessages(), Lines{"NOTE - Combined Pulldown for Model: D Typical data is non-monotonic "
-                                      "based on piece-wise linear interpolation"});
+    EXPECT_EQ(StoredMessages(), Lines{TurnsBack("Pulldown for Model: D", "Typical")});
 }
 
 TEST(CombinedCurves, ReportTakesTheSeverityAsked)
@@ -654,9 +663,8 @@ TEST(CombinedCurves, ReportTakesTheSeverityAsked)
 
 TEST(CombinedClamps, ActiveByMode)
 {
-    const std::string note = " Typical data is non-monotonic based on piece-wise linear interpolation";
-    const std::string driving = "NOTE - Combined Clamp in Driving Mode for Model M" + note;
-    const std::string nonDriving = "NOTE - Combined Clamp in Non Driving Mode for Model M" + note;
+    const std::string driving = TurnsBack("Clamp in Driving Mode for Model M", "Typical");
+    const std::string nonDriving = TurnsBack("Clamp in Non Driving Mode for Model M", "Typical");
     // The model's own clamp rises by 1 mA/V; a bus clamp that falls by 2 mA/V from 1 V on turns the sum.
     const auto notes = [](std::string type, const std::string& mode, const std::string& submodelType,
                           const std::string& keyword) {
@@ -693,6 +701,28 @@ TEST(CombinedClamps, ModelWithoutUsableClampsIsPassedOver)
     EXPECT_EQ(notes("[GND Clamp]\n" + oneRow + "[POWER Clamp]\n" + oneRow).size(), 2U);  // MIN is left out
 }
 
+TEST(CombinedClamps, HundredsOfSubmodelsAddUp)
+{
+    // 400 straight lines of 2.5 mA/V on axes of their own, 1 A/V in all. One more falls behind 3 V by a
+    // little less or a little more than that.
+    const auto notes = [](const std::string& fall) {
+        std::string entries = "last All\n";
+        std::string submodels =
+            "[Submodel] last\nSubmodel_type Dynamic_clamp\n[GND Clamp]\n-1 0 NA NA\n3 0 NA NA\n4 " + fall +
+            " NA NA\n";
+        for (int i = 0; i < 400; ++i) {
+            const std::string name = "s" + std::to_string(i);
+            const std::string thousandths = std::to_string(1000 + i).substr(1);
+            entries += name + " All\n";
+            submodels += "[Submodel] " + name + "\nSubmodel_type Dynamic_clamp\n[GND Clamp]\n0." +
+                         thousandths + " 0 NA NA\n1." + thousandths + " 2.5m NA NA\n";
+        }
+        return With("Combined Clamp", Model("M", "[Add Submodel]\n" + entries) + submodels);
+    };
+    EXPECT_EQ(notes("-0.999"), Lines{});
+    EXPECT_EQ(notes("-1.001"), Lines{TurnsBack("Clamp in Non Driving Mode for Model M", "Typical")});
+}
+
 // CRV_Dump ------------------------------------------------------------------------------------------------
 
 TEST(Dump, PointsOfAColumn)
@@ -725,8 +755,8 @@ TEST(EndOfFile, ChecksFollowEachOther)
         "-1 -1m -1m -1m\n0 0 0 0\n[Ramp]\ndV/dt_r 1/2m 1/1n 1/1n\ndV/dt_f 1/1n 1/1n 1/1n\n" +
         Model("N", "[Add Submodel]\nT All\n");
     const Lines expected{
-        CannotDrive("TYP", "3.2V\n          given load Rref=500 Ohms to Vref=0V"),
-        CannotDrive("MIN", "3.2V\n          given load Rref=500 Ohms to Vref=0V"),
+        CannotDrive("TYP", "3.2 500 0"),
+        CannotDrive("MIN", "3.2 500 0"),
         "WARNING - Model 'D': C_comp MAX value 6000pF out of expected range (0pF, 1000pF)  ",
         "ERROR - Model Y used in the Driver Schedule of Model D is not defined",
         "ERROR - Model X used in the Driver Schedule of Model D is not defined",

@@ -46,6 +46,19 @@ TEST(DriverSchedule, LinesAndNames)
     }
 }
 
+TEST(DriverSchedule, EntryWithoutANameIsKept)
+{
+    drvsh* schedule = nullptr;
+    EXPECT_EQ(MessagesOf([&] {
+                  DRVSH_Open("[Driver Schedule]", &schedule);
+                  DRVSH_Line("", schedule, "M");
+                  DRVSH_Close(schedule, "M");
+              }),
+              (Lines{"ERROR (line    0) - 'Driver Schedule' Missing model Name",
+                     "WARNING - Model 'M': The [Driver_Schedule] has only one model defined"}));
+    DRVSH_Free(schedule);
+}
+
 TEST(DriverScheduleAtEnd, WhatIsScheduledDrives)
 {
     const std::string scheduling =

@@ -65,6 +65,17 @@ TEST(ModelSelector, LinesAndNames)
     }
 }
 
+TEST(ModelSelector, LinesWithoutASelector)
+{
+    EXPECT_EQ(MessagesOf([] {
+                  MSEL_FreeList(nullptr);
+                  MSEL_Line(LINE_KEYWORD, KEY_MODEL_SELECTOR, "[Model Selector] Q");
+                  MSEL_Line(LINE_DATA, KEY_MODEL_SELECTOR, "A x");
+              }),
+              (Lines{"ERROR (line    0) - Orphan Model Selector keyword.",
+                     "ERROR (line    0) - Orphan Data Line."}));
+}
+
 TEST(ModelSelector, DescriptionSharesItsRoomWithTheName)
 {
     // 80 columns hold less than the room below version 4; the line limit of 120 has its say as well.
