@@ -245,6 +245,18 @@ std::string_view CMN_BaseName(std::string_view path)
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
+CMN_PlaceKeeper::CMN_PlaceKeeper()
+{
+    CMN_CopyText(mDirectory, CMN_GetDirectory());
+    CMN_CopyText(mFileName, PARSE_GetFileName());
+}
+
+CMN_PlaceKeeper::~CMN_PlaceKeeper()
+{
+    CMN_SetDirectory(directory());
+    CMN_CopyText(gszFileName, mFileName.data());
+}
+
 int CMN_OpenFile(std::string_view name, ibis_file_type type, CMN_Stream& stream, std::span<char> baseName)
 {
     const std::string_view bare = CMN_BaseName(name);

@@ -9,6 +9,7 @@
 #include "ibis/source/nuibis_state.h"
 #include "ibis/source/nuibis_types.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -68,6 +69,23 @@ std::string_view CMN_GetDirectory();
 void CMN_SetDirectory(std::string_view directory);
 /// The part of a path behind its last "/".
 std::string_view CMN_BaseName(std::string_view path);
+
+/// Puts directory and name of the current file back behind nested reads.
+class CMN_PlaceKeeper
+{
+  public:
+    CMN_PlaceKeeper();
+    ~CMN_PlaceKeeper();
+    CMN_PlaceKeeper(const CMN_PlaceKeeper&) = delete;
+    CMN_PlaceKeeper& operator=(const CMN_PlaceKeeper&) = delete;
+
+    /// Directory of the file that the nested reads belong to.
+    std::string_view directory() const { return mDirectory.data(); }
+
+  private:
+    CMN_Path mDirectory;
+    CMN_Path mFileName;
+};
 
 // Lines ---------------------------------------------------------------------------------------------------
 
@@ -252,6 +270,25 @@ template <class T> int CMN_Realloc(T*& p, std::size_t count)
     const int result = CMN_ReallocBytes(&block, count * sizeof(T));
     p = static_cast<T*>(block);
     return result;
+}
+
+/// Makes room for entry `count` of an array of pointers that grows with what is read, whatever size a file
+/// announces. The array always ends in null entries.
+template <class T> int CMN_GrowPointers(T**& array, std::size_t count)
+{
+    constexpr std::size_t first = 8;
+    if (array == nullptr) {
+        return CMN_Alloc(array, first);
+    }
+    const std::size_t size = count + 1;
+    if (size < first || (size & (size - 1)) != 0) {
+        return 1;
+    }
+    if (!CMN_Realloc(array, 2 * size)) {
+        return 0;
+    }
+    std::fill_n(array + size, size, nullptr);
+    return 1;
 }
 
 template <class T> void CMN_FreeAndClear(T*& p)

@@ -11,6 +11,7 @@
 #include "ibis/source/nuibis_pin.h"
 #include "ibis/source/nuibis_pinmpg.h"
 #include "ibis/source/nuibis_pkg.h"
+#include "ibis/source/nuibis_pkgmdl.h"
 #include "ibis/source/nuibis_reppin.h"
 #include "ibis/source/nuibis_spinmpg.h"
 #include "ibis/source/nuibis_sswch.h"
@@ -334,13 +335,9 @@ void ReadKeyword(nuibis_keyword code, std::string_view text)
 
 void CheckDuplicates(CMPNT* list)
 try {
-    // One report for each pair, in the order of the list.
-    CMN_Map<std::string_view, unsigned> remaining;
+    LIST_Pairs<CMPNT, &CMPNT::szName> repeats(list);
     for (const CMPNT* component = list; component != nullptr; component = component->pNext) {
-        ++remaining[component->szName];
-    }
-    for (const CMPNT* component = list; component != nullptr; component = component->pNext) {
-        for (unsigned later = --remaining[component->szName]; later > 0; --later) {
+        for (unsigned pairs = repeats.behind(*component); pairs > 0; --pairs) {
             MSG_Error(511, component->szName);
         }
     }
@@ -371,6 +368,61 @@ void CheckDiffExternal(const CMPNT& component, nuibis_mdl* models)
             MSG_Error(545, component.szName, pin->szPin, pin->szModel, MDL_TypeText(model->eModelType));
         }
     }
+}
+
+// The model that a component names stands in its own file or in a package file beside it.
+void LoadPackageModel(const char* component, const char* package)
+{
+    ibis* root = nullptr;
+    if (package[0] == '\0' || !IBIS_GetCurrent(&root) ||
+        PKGMDL_Find(root->pPackageModels, package) != nullptr) {
+        return;
+    }
+    PKGMDL_SearchPkgFiles(package);
+    if (PKGMDL_Find(root->pPackageModels, package) == nullptr) {
+        MSG_Error(516, package, component);
+    }
+}
+
+void LoadAltPackages(const CMPNT& component)
+{
+    for (const APKG* package = component.pAltPackageModels; package != nullptr; package = package->pNext) {
+        LoadPackageModel(component.szName, package->szName);
+    }
+}
+
+// A package file brings its own version, which the next one begins under; the component keeps that of its
+// file.
+void LoadPackageModels(const CMPNT& component)
+{
+    const ibis_ver version = geIbisVersion;
+    LoadPackageModel(component.szName, component.szPackageModel);
+    LoadAltPackages(component);
+    geIbisVersion = version;
+}
+
+void CheckAltPackages(const CMPNT& component)
+{
+    const ibis_ver version = geIbisVersion;
+    LoadAltPackages(component);
+    geIbisVersion = version;
+}
+
+void CheckPackagePins(const CMPNT& component)
+try {
+    CMN_Set<std::string_view> clean;  // what was found good need not be checked again for a repeated name
+    const auto check = [&](const char* package) {
+        if (!clean.contains(package) &&
+            PIN_CheckMerged(component.pPins, component.pPinMappings, component.szName, package)) {
+            clean.insert(package);
+        }
+    };
+    check(component.szPackageModel);
+    for (const APKG* package = component.pAltPackageModels; package != nullptr; package = package->pNext) {
+        check(package->szName);
+    }
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself.
 }
 
 }  // namespace
@@ -440,8 +492,10 @@ void CMPNT_Leave(nuibis_keyword newCode)
 
 void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl* models)
 {
+    LoadPackageModels(*component);
     if (component->pPins != nullptr) {
         PIN_CheckAll(component->pPins, component->pPinMappings, component->pDiffPins, component->szName);
+        CheckPackagePins(*component);
     } else {
         MSG_Error(524, component->szName);
     }
@@ -458,6 +512,7 @@ void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl* models)
     }
     SSWCH_CheckAll(component->pSeriesSwitchGroups, component->pSeriesPinMappings, component->szName);
     CheckDiffExternal(*component, models);
+    CheckAltPackages(*component);
     if (component->pEmi != nullptr) {
         CMPNTEMI_Finish(component, component->pEmi);
     }

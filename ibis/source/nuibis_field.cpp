@@ -75,6 +75,27 @@ int FIELD_ReadWord(std::string_view text, std::string_view name, std::span<const
     return word.data() == nullptr ? -1 : FIELD_FindWord(word, words, name, wordCodes);
 }
 
+void FIELD_ReadCount(std::string_view text, const FIELD_CountCodes& codes, unsigned* out)
+{
+    if (text.empty()) {
+        MSG_ErrorLine(codes.blank);
+        return;
+    }
+    if (*out != 0) {
+        MSG_ErrorLine(codes.duplicate);
+        return;
+    }
+    const CMN_Number result = CMN_GetUnsigned(text, out);
+    if (result == CMN_SUSPICIOUS) {
+        MSG_WarningLine(codes.suspicious);
+    }
+    if (result == CMN_INVALID) {
+        MSG_ErrorLine(codes.bad);
+    } else if (*out == 0) {
+        MSG_ErrorLine(codes.zero);
+    }
+}
+
 bool FIELD_SetName(std::span<char> dst, std::string_view name, unsigned limit, MSG_Int1 tooLong)
 {
     CMN_CopyText(dst, name, limit);

@@ -72,6 +72,19 @@ std::string_view FIELD_ReadSetting(std::string_view text, std::string_view name,
 int FIELD_ReadWord(std::string_view text, std::string_view name, std::span<const std::string_view> words,
                    const FIELD_SettingCodes& settingCodes, const FIELD_WordCodes& wordCodes);
 
+// A count behind a keyword --------------------------------------------------------------------------------
+
+struct FIELD_CountCodes {
+    MSG_Plain blank;
+    MSG_Plain duplicate;   ///< the count is there already; it stays
+    MSG_Plain suspicious;  ///< warning: text is left over; the value stands
+    MSG_Plain bad;
+    MSG_Plain zero;
+};
+
+/// Reads "[Number Of ...] count" into `*out`, which is 0 until its keyword was met.
+void FIELD_ReadCount(std::string_view text, const FIELD_CountCodes& codes, unsigned* out);
+
 // A name into a fixed field -------------------------------------------------------------------------------
 
 /// Length that names of models and signals may have in the current version.

@@ -4,11 +4,13 @@
 #include "ibis/source/nuibis_algmod.h"
 #include "ibis/source/nuibis_cmpnt.h"
 #include "ibis/source/nuibis_drvsh.h"
+#include "ibis/source/nuibis_ebdmdl.h"
 #include "ibis/source/nuibis_efile.h"
 #include "ibis/source/nuibis_hdr.h"
 #include "ibis/source/nuibis_limit.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_pkgmdl.h"
 #include "ibis/source/nuibis_rcvth.h"
 #include "ibis/source/nuibis_submdl.h"
 #include "ibis/source/nuibis_testdata.h"
@@ -54,6 +56,11 @@ void CheckComponents(ibis& root)
     CMPNT_CheckAll(root.pComponents, root.pCircuits, root.pModels);
 }
 
+void CheckPackageModels(ibis& root)
+{
+    PKGMDL_CheckAll(root.pPackageModels);
+}
+
 void CheckTestData(ibis& root)
 {
     if (root.pTestData != nullptr) {
@@ -93,8 +100,9 @@ using Pass = void (*)(ibis& root);
 
 // The order is binding: messages come in it, and a pass reads what an earlier one marked.
 constexpr std::array PASSES{
-    Pass{CheckModels},    Pass{CheckSelectors}, Pass{CheckComponents},   Pass{CheckTestData},
-    Pass{CheckTestLoads}, Pass{CheckSubmodels}, Pass{CheckAddSubmodels}, Pass{WarnUnreferenced},
+    Pass{CheckModels},        Pass{CheckSelectors},    Pass{CheckComponents},
+    Pass{CheckPackageModels}, Pass{CheckTestData},     Pass{CheckTestLoads},
+    Pass{CheckSubmodels},     Pass{CheckAddSubmodels}, Pass{WarnUnreferenced},
 };
 
 }  // namespace
@@ -144,6 +152,8 @@ void IBIS_Free(ibis* root)
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
     SUBMDL_FreeList(root->pSubmodels);
+    PKGMDL_FreeList(root->pPackageModels);
+    EBDMDL_FreeList(root->pBoards);
     MSEL_FreeList(root->pModelSelectors);
     TESTDATA_FreeList(root->pTestData);
     TESTLOAD_FreeList(root->pTestLoads);
@@ -152,12 +162,14 @@ void IBIS_Free(ibis* root)
     CMN_Free(root);
 }
 
-void IBIS_Finish(const char* fileName, ibis_file_type type, int)
+void IBIS_Finish(const char* fileName, ibis_file_type type, int arg)
 {
     if (type == IBIS_FILE_IBS) {
         IBIS_CheckAll();
     } else if (type == IBIS_FILE_AMI) {
         ALGMOD_ReadAmiFile(fileName);
+    } else if (ibis* root = nullptr; IBIS_GetCurrent(&root)) {
+        EBDMDL_CheckFile(root->pBoards, arg != 0);
     }
 }
 

@@ -98,7 +98,8 @@ enum nuibis_keyword : std::int32_t {
     KEY_END_MODEL_DATA = 90,
     KEY_END_PACKAGE_MODEL = 91,
     KEY_NUMBER_OF_SECTIONS = 92,
-    KEY_BEGIN_BOARD_DESCRIPTION = 94,  // 93 is reserved
+    KEY_MERGED_PINS = 93,  ///< no version's table has its text yet
+    KEY_BEGIN_BOARD_DESCRIPTION = 94,
     KEY_EBD_MANUFACTURER = 95,
     KEY_EBD_NUMBER_OF_PINS = 96,
     KEY_PIN_LIST = 97,

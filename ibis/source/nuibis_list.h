@@ -207,3 +207,21 @@ template <class T, class Less> CMN_Vector<std::size_t> LIST_NextEqual(const CMN_
     }
     return next;
 }
+
+/// Tells, record by record in list order, how many records of the same name stand behind: one report for each
+/// pair, without comparing the pairs. Throws std::bad_alloc.
+template <class T, auto Name> class LIST_Pairs
+{
+  public:
+    explicit LIST_Pairs(const T* list)
+    {
+        for (; list != nullptr; list = list->pNext) {
+            ++mRemaining[list->*Name];
+        }
+    }
+    /// To be asked once for each record, from the first on.
+    unsigned behind(const T& record) { return --mRemaining[record.*Name]; }
+
+  private:
+    CMN_Map<std::string_view, unsigned> mRemaining;
+};

@@ -150,7 +150,7 @@ void PutConversion(Writer& out, const Conversion& conversion, const MSG_Arg& arg
         break;
     case MSG_Kind::Character:
         buffer[0] = static_cast<char>(arg.iValue);
-        text = std::string_view(buffer.data(), 1);
+        text = std::string_view(buffer.data(), arg.iValue == 0 ? 0 : 1);  // no character, as in a singular
         break;
     case MSG_Kind::Integer:
         text = IntegerText(buffer, conversion, arg.iValue);

@@ -2,9 +2,11 @@
 
 #include "ibis/source/nuibis_cmn.h"
 #include "ibis/source/nuibis_cmpnt.h"
+#include "ibis/source/nuibis_ebdmdl.h"
 #include "ibis/source/nuibis_hdr.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_pkgmdl.h"
 #include "ibis/source/nuibis_sniff.h"
 #include "ibis/source/nuibis_submdl.h"
 #include "ibis/source/nuibis_testdata.h"
@@ -210,7 +212,8 @@ constexpr Module CMPNT{CMPNT_Init, CMPNT_Line, CMPNT_Leave};
 constexpr Module MDL{MDL_Init, MDL_Line, MDL_Leave};
 constexpr Module TESTDATA{TESTDATA_Init, TESTDATA_Line, TESTDATA_Leave};
 constexpr Module TESTLOAD{TESTLOAD_Init, TESTLOAD_Line, TESTLOAD_Leave};
-constexpr Module PKGMDL = NOT_BUILT;
+constexpr Module PKGMDL{PKGMDL_Init, PKGMDL_Line, PKGMDL_Leave};
+constexpr Module EBDMDL{EBDMDL_Init, EBDMDL_Line, EBDMDL_Leave};
 
 // The first row that holds a code in a version is its group. [External Circuit] lies within the component's range.
 constexpr auto GROUPS = std::to_array<Group>({
@@ -220,9 +223,9 @@ constexpr auto GROUPS = std::to_array<Group>({
     {KEY_COMPONENT, KEY_PIN_DOMAIN_EMI, KEY_COMPONENT, V3, V61, IBS_ONLY, CMPNT},
     {KEY_EXTERNAL_MODEL, KEY_INITIAL_DELAY, KEY_MODEL, V2, IBIS_VER_2, IBS_ONLY_2, MDL},
     {KEY_EXTERNAL_MODEL, KEY_INITIAL_DELAY, KEY_MODEL, V3, V61, IBS_ONLY, MDL},
-    {KEY_DEFINE_PACKAGE_MODEL, KEY_NUMBER_OF_SECTIONS, KEY_DEFINE_PACKAGE_MODEL, V2, IBIS_VER_2, EVERYWHERE, PKGMDL},
-    {KEY_DEFINE_PACKAGE_MODEL, KEY_NUMBER_OF_SECTIONS, KEY_DEFINE_PACKAGE_MODEL, V3, V61, PACKAGES, PKGMDL},
-    {KEY_BEGIN_BOARD_DESCRIPTION, KEY_END_BOARD_DESCRIPTION, KEY_BEGIN_BOARD_DESCRIPTION, V3, V61, BOARDS, NOT_BUILT},
+    {KEY_DEFINE_PACKAGE_MODEL, KEY_MERGED_PINS, KEY_DEFINE_PACKAGE_MODEL, V2, IBIS_VER_2, EVERYWHERE, PKGMDL},
+    {KEY_DEFINE_PACKAGE_MODEL, KEY_MERGED_PINS, KEY_DEFINE_PACKAGE_MODEL, V3, V61, PACKAGES, PKGMDL},
+    {KEY_BEGIN_BOARD_DESCRIPTION, KEY_END_BOARD_DESCRIPTION, KEY_BEGIN_BOARD_DESCRIPTION, V3, V61, BOARDS, EBDMDL},
     {KEY_MODEL_SELECTOR, KEY_MODEL_SELECTOR, KEY_MODEL_SELECTOR, V3, V61, IBS_ONLY, {MSEL_Init, MSEL_Line, nullptr}},
     {KEY_SUBMODEL, KEY_SUB_INITIAL_DELAY, KEY_SUBMODEL, V3, V61, IBS_ONLY, {SUBMDL_Init, SUBMDL_Line, SUBMDL_Leave}},
     {KEY_TEST_DATA, KEY_DIFF_FALLING_WAVEFORM_FAR, KEY_TEST_DATA, V3, V61, IBS_ONLY, TESTDATA},

@@ -8,6 +8,7 @@
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
 #include "ibis/source/nuibis_pinmpg.h"
+#include "ibis/source/nuibis_pkgmdl.h"
 
 #include <algorithm>
 #include <array>
@@ -122,6 +123,73 @@ bool HasModel(PIN* list, std::string_view name, std::string_view model)
     const PIN* const pin = PIN_Find(list, name);
     return pin != nullptr && CMN_Equal(pin->szModel, model);
 }
+
+// The pins that a package merges: their checks, set by set. The first pin of a set is the one to match.
+class MergedCheck
+{
+  public:
+    MergedCheck(PIN* pins, PINMPG* mappings, const char* component, const char* package)
+        : mpPins(pins), mpMappings(mappings), mpszComponent(component), mpszPackage(package)
+    {
+    }
+
+    void open(const char* pin)
+    {
+        mpszFirst = pin;
+        mpszPolarity = polarityOf(pin);
+        mpszBus = mpszPolarity == nullptr ? nullptr : busOf(pin, mpszPolarity);
+    }
+
+    void check(const char* pin)
+    {
+        const char* const polarity = polarityOf(pin);
+        if (polarity == nullptr || mpszPolarity == nullptr) {
+            return;
+        }
+        if (polarity != std::string_view(mpszPolarity)) {
+            MSG_Error(617, mpszComponent, polarity, pin, mpszPackage, mpszPolarity, mpszFirst);
+            mbClean = false;
+            return;
+        }
+        const char* const bus = busOf(pin, polarity);
+        if (bus != nullptr && mpszBus != nullptr && bus != std::string_view(mpszBus)) {
+            MSG_Error(618, mpszComponent, mpszPackage, mpszFirst, pin, mpszBus, bus);
+            mbClean = false;
+        }
+    }
+
+    bool isClean() const { return mbClean; }
+
+  private:
+    // "POWER" or "GND"; otherwise told, and null.
+    const char* polarityOf(const char* pin)
+    {
+        if (PIN_IsRail(mpPins, pin)) {
+            return PIN_IsPower(mpPins, pin) ? "POWER" : "GND";
+        }
+        mbClean = false;
+        if (PIN_Exists(mpPins, pin)) {
+            MSG_Error(615, pin, mpszPackage, mpszComponent);
+        } else {
+            MSG_Error(616, pin, mpszPackage, mpszComponent);
+        }
+        return nullptr;
+    }
+
+    const char* busOf(const char* pin, std::string_view polarity) const
+    {
+        return PINMPG_GetRef(mpMappings, pin, polarity == "POWER");
+    }
+
+    PIN* mpPins;
+    PINMPG* mpMappings;
+    const char* mpszComponent;
+    const char* mpszPackage;
+    const char* mpszFirst = nullptr;
+    const char* mpszPolarity = nullptr;  // null while the first pin is no rail
+    const char* mpszBus = nullptr;       // null without a mapping
+    bool mbClean = true;
+};
 
 }  // namespace
 
@@ -244,4 +312,36 @@ void PIN_CheckAll(PIN* list, PINMPG* mappings, const DIFPIN* diffPins, const cha
             MSG_Error(612, component, pin->szPin);
         }
     }
+}
+
+bool PIN_CheckMerged(PIN* list, PINMPG* mappings, const char* component, const char* packageModel)
+{
+    ibis* root = nullptr;
+    if (packageModel[0] == '\0' || !IBIS_GetCurrent(&root) || root->pPackageModels == nullptr) {
+        return true;
+    }
+    PKGMDL* const packages = root->pPackageModels;
+    bool clean = true;
+    const char* pin = nullptr;
+    for (bool first = true; PKGMDL_GetNextPinNumber(packages, packageModel, first, &pin); first = false) {
+        if (!PIN_Exists(list, pin)) {
+            MSG_Error(613, pin, packageModel, component);
+            clean = false;
+        }
+    }
+    MergedCheck check(list, mappings, component, packageModel);
+    bool opensSet = false;
+    for (bool first = true; PKGMDL_GetNextMergedPin(packages, packageModel, first, &pin, &opensSet);
+         first = false) {
+        if (first && mappings == nullptr) {
+            MSG_Error(619, packageModel, component);
+            clean = false;
+        }
+        if (opensSet) {
+            check.open(pin);
+        } else {
+            check.check(pin);
+        }
+    }
+    return clean && check.isClean();
 }

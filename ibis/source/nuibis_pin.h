@@ -52,3 +52,6 @@ bool PIN_IsSpecialModel(std::string_view model);
 /// At the end of the file: every pin's model exists and suits a pin, and every pin is mapped if any is. The
 /// lookups mark the models as referenced.
 void PIN_CheckAll(PIN* list, PINMPG* mappings, const DIFPIN* diffPins, const char* component);
+/// At the end of the file: the component has every pin of the package model, and the pins that the package
+/// merges are all supply or all ground pins on one bus. True if nothing was reported.
+bool PIN_CheckMerged(PIN* list, PINMPG* mappings, const char* component, const char* packageModel);
