@@ -27,6 +27,11 @@ struct ebdpathelement {
     void* pData;  ///< Fork: first element of the branch; Node: EBDNODE; Pin: char[9]; Section: SECT; NC: null
 };
 
+template <class T> T* EBDPATH_Payload(const ebdpathelement& element)
+{
+    return static_cast<T*>(element.pData);
+}
+
 /// A pin of a component on the board.
 struct EBDNODE {
     char szRefDes[11];
