@@ -1,5 +1,7 @@
 #include "tests/builders.h"
 
+#include "ibis/interface/talibis_tool.h"
+#include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_msg.h"
 #include "ibis/source/nuibis_state.h"
 
@@ -98,6 +100,10 @@ Lines StoredMessages()
 Lines MessagesOfFile(const std::string& path, ibis_file_type type)
 {
     ForgetFormerRead();
+    if (type == IBIS_FILE_AMI) {  // declares no version, so it is read on its own
+        const IbisErrorContainer* const findings = talReadParameterFile(path.c_str(), type);
+        return Texts(findings == nullptr ? *talGetIbisError(nullptr) : *findings);
+    }
     TalIbis* handle = nullptr;
     return Texts(*talReadIbisFile(path.c_str(), type, &handle));
 }
@@ -141,6 +147,27 @@ TalIbis* ReadHandle(std::string_view content, std::string_view name)
     talReadIbisFile(WriteTestFile(name, content).c_str(), TypeOf(name), &handle);
     EXPECT_NE(handle, nullptr);
     return handle;
+}
+
+ibis* RootOf(std::string_view content)
+{
+    ReadHandle(content);
+    ibis* root = nullptr;
+    IBIS_GetCurrent(&root);
+    MSG_ClearContainer();
+    return root;
+}
+
+std::string Edit(std::string text, const std::vector<std::pair<std::string, std::string>>& edits)
+{
+    for (const auto& [from, to] : edits) {
+        const std::size_t place = text.find(from);
+        EXPECT_NE(place, std::string::npos) << from;
+        if (place != std::string::npos) {
+            text.replace(place, from.size(), to);
+        }
+    }
+    return text;
 }
 
 std::string Header(std::string_view version, std::string_view fileName)

@@ -13,7 +13,10 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+struct ibis;
 
 using Lines = std::vector<std::string>;
 
@@ -38,6 +41,12 @@ Lines Unfolded(Lines lines);
 /// The handle of the file that was read, for queries; fails the test if there is none.
 TalIbis* ReadHandle(std::string_view content, std::string_view name = "t.ibs");
 
+/// The root of a file that was read, for a test that looks at its records or changes them. No message is
+/// stored.
+ibis* RootOf(std::string_view content);
+
+/// `text` with the first string of each pair, which must be there, replaced by the second one.
+std::string Edit(std::string text, const std::vector<std::pair<std::string, std::string>>& edits);
 /// [IBIS Ver], [File Name] and [File Rev].
 std::string Header(std::string_view version = "5.1", std::string_view fileName = "t.ibs");
 /// [Component] with [Manufacturer], [Package] and a [Pin] table with these lines; `extra` follows.

@@ -240,7 +240,7 @@ TEST(ModelSpecClose, EdgesAndWeakDrive)
     };
     const std::string pair =
         "ERROR - (Weak_R and Weak_V) or (Weak_I and Weak_V) must be specified in Model Spec";
-    EXPECT_EQ(driver("Vmeas 1 1 1\nVmeas_rising 1 1 1\nRref_falling 1 1 1\n"),
+    EXPECT_EQ(driver("Vmeas 1 1 1\nVmeas_rising 1 1 1\nRref_falling 500 500 500\n"),
               (Lines{"ERROR - Vmeas_falling must be specified when Vmeas_rising is specified",
                      "ERROR - Vmeas must not be specified when Vmeas_rising is specified",
                      "ERROR - Rref_rising must be specified when Rref_falling is specified"}));

@@ -58,7 +58,7 @@ TEST(PinTable, LinesAndNameLimits)
 {
     const std::string three = "signal_name model_name";
     const std::string six = "signal_name model_name R_pin L_pin C_pin";
-    EXPECT_EQ(Messages(PinFile(six, "1 S1 NC NA 1nH 1pF\n2 S1 nc abc 1nH 1p5\n3 S NC 1\n4 S NC 1 2\n")),
+    EXPECT_EQ(Messages(PinFile(six, "1 S1 NC NA 1nH 1pF\n2 S1 nc abc 1nH 1p5\n3 S NC 1\n4 S NC 1 2n\n")),
               (Lines{"ERROR (line   12) - Invalid R_pin Value (\"abc\")",
                      "WARNING (line   12) - Suspicious C_pin Pin Value (\"1p5\"); Numeric in Scale",
                      "ERROR (line   13) - Each line of Pin data must contain either 3 or 6 columns.",

@@ -4,6 +4,7 @@
 #include "ibis/interface/talibis_tool.h"
 #include "ibis/source/nuibis_cmn.h"
 #include "ibis/source/nuibis_ibis.h"
+#include "ibis/source/nuibis_ibis11.h"
 #include "ibis/source/nuibis_parse.h"
 #include "ibis/source/nuibis_sniff.h"
 #include "platform/hostport.h"
@@ -178,7 +179,11 @@ bool TalIbisFileManager::readIbisFile(const char* name, ibis_file_type type, ibi
     }
     geSniffedVersion = sniffed;
     result = sniffed;
-    return sniffed == IBIS_VER_1 || doReadIbisFile(path.data(), type);
+    if (sniffed == IBIS_VER_1) {
+        IBIS11_CheckFile(path.data());
+        return true;
+    }
+    return doReadIbisFile(path.data(), type);
 }
 
 ibis_ver TalIbisFileManager::getSniffedVersion()

@@ -87,11 +87,11 @@ void CMN_Stream::close() noexcept
     }
 }
 
-void CMN_Stream::rewind() noexcept
+bool CMN_Stream::rewind() noexcept
 {
-    std::rewind(mpFile);
     mBegin = mEnd = 0;
     mbEndOfFile = false;
+    return std::fseek(mpFile, 0, SEEK_SET) == 0;
 }
 
 // Makes room behind the bytes not yet consumed and reads more; false at the end of the file.
@@ -185,21 +185,16 @@ int CompleteName(std::span<char> baseName, const ExtensionRule& rule)
     return 1;
 }
 
-// For file systems that respect case, and files written on those that don't: the whole path as given, then in
-// lower and in upper case. The directory follows the spelling that worked.
+// The directory follows the spelling that worked.
 int OpenInAnyCase(CMN_Path& path, CMN_Stream& stream)
 {
-    static constexpr void (*const spellings[])(std::span<char>) = {[](std::span<char>) {}, CMN_ToLower,
-                                                                   CMN_ToUpper};
-    for (const auto spell : spellings) {
-        spell(path);
-        if (std::FILE* const file = CMN_FOpen(path.data(), "r"); file != nullptr) {
-            spell(gszDirectory);
-            stream.attach(file);
-            return 1;
-        }
+    std::FILE* const file = CMN_FOpenInAnyCase(path);
+    if (file == nullptr) {
+        return 0;
     }
-    return 0;
+    CMN_CopyText(gszDirectory, View(path).substr(0, View(gszDirectory).size()));
+    stream.attach(file);
+    return 1;
 }
 
 int JoinPath(std::string_view directory, std::string_view name, CMN_Path& path)
@@ -217,6 +212,19 @@ int JoinPath(std::string_view directory, std::string_view name, CMN_Path& path)
 std::FILE* CMN_FOpen(const char* path, const char* mode)
 {
     return HostPath(path).fopen(mode);
+}
+
+std::FILE* CMN_FOpenInAnyCase(std::span<char> path)
+{
+    static constexpr void (*const spellings[])(std::span<char>) = {[](std::span<char>) {}, CMN_ToLower,
+                                                                   CMN_ToUpper};
+    for (const auto spell : spellings) {
+        spell(path);
+        if (std::FILE* const file = CMN_FOpen(path.data(), "r"); file != nullptr) {
+            return file;
+        }
+    }
+    return nullptr;
 }
 
 std::string_view CMN_GetDirectory()

@@ -32,8 +32,8 @@ class CMN_Stream
     void attach(std::FILE* file) noexcept;
     void close() noexcept;
     bool isOpen() const noexcept { return mpFile != nullptr; }
-    /// Back to the start of the file.
-    void rewind() noexcept;
+    /// Back to the start of the file; false for a file that cannot go back.
+    bool rewind() noexcept;
     /// The next bytes up to and with a line feed, or up to the end of the file; false at its end. The view is
     /// valid and may be written to until the next call. `atEnd` tells that no byte follows.
     bool nextLine(std::span<char>& line, bool& atEnd) noexcept;
@@ -60,6 +60,9 @@ int CMN_OpenFile(std::string_view name, ibis_file_type type, CMN_Stream& stream,
 int CMN_FileExists(std::string_view name);
 /// Opens a UTF-8 path; null if it cannot be opened.
 std::FILE* CMN_FOpen(const char* path, const char* mode);
+/// Opens for reading, for file systems that respect case and files written on those that don't: the whole
+/// path as given, then in lower and in upper case. The path stays in the spelling tried last.
+std::FILE* CMN_FOpenInAnyCase(std::span<char> path);
 /// Directory of the file last opened, with its trailing "/", or empty. Nested files are looked for in it.
 std::string_view CMN_GetDirectory();
 void CMN_SetDirectory(std::string_view directory);

@@ -1,10 +1,16 @@
 #include "ibis/source/nuibis_ibis.h"
 
+#include "ibis/source/nuibis_acdc.h"
+#include "ibis/source/nuibis_algmod.h"
 #include "ibis/source/nuibis_cmpnt.h"
+#include "ibis/source/nuibis_drvsh.h"
+#include "ibis/source/nuibis_efile.h"
 #include "ibis/source/nuibis_hdr.h"
+#include "ibis/source/nuibis_limit.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
 #include "ibis/source/nuibis_rcvth.h"
+#include "ibis/source/nuibis_submdl.h"
 #include "ibis/source/nuibis_testdata.h"
 #include "ibis/source/nuibis_testload.h"
 
@@ -18,10 +24,23 @@ ibis* gpIbisList = nullptr;
 // Root of the innermost IBIS_Scope; null outside of one.
 ibis* gpScopeRoot = nullptr;
 
-void CheckReceivers(ibis& root)
+// The cross-checks of a component file -------------------------------------------------------------------
+
+void CheckModels(ibis& root)
 {
     if (root.pModels != nullptr) {
         RCVTH_CheckUse(root.pModels, root.pComponents, root.pModelSelectors);
+        ACDC_CheckModels(root.pModels);
+        LIMIT_CheckModels(root.pModels);
+        DRVSH_CheckAll(root.pModels);
+        ALGMOD_CheckModels(root.pModels);
+    }
+}
+
+void CheckSelectors(ibis& root)
+{
+    if (root.pModelSelectors != nullptr) {
+        MSEL_CheckAll(root.pModelSelectors);
     }
 }
 
@@ -31,6 +50,7 @@ void CheckComponents(ibis& root)
         MSG_Error(4101);
         return;
     }
+    LIMIT_CheckComponents(root.pComponents);
     CMPNT_CheckAll(root.pComponents, root.pCircuits, root.pModels);
 }
 
@@ -48,6 +68,20 @@ void CheckTestLoads(ibis& root)
     }
 }
 
+void CheckSubmodels(ibis& root)
+{
+    if (root.pSubmodels != nullptr) {
+        MDL_CheckSubmodelUse(root.pModels, root.pSubmodels);
+        LIMIT_CheckSubmodels(root.pSubmodels);
+        ACDC_CheckClamps(root.pModels, root.pSubmodels);
+    }
+}
+
+void CheckAddSubmodels(ibis& root)
+{
+    MDL_CheckAddSubmodels(root.pModels, root.pSubmodels);
+}
+
 void WarnUnreferenced(ibis& root)
 {
     if (root.pModels != nullptr) {
@@ -57,9 +91,10 @@ void WarnUnreferenced(ibis& root)
 
 using Pass = void (*)(ibis& root);
 
-// The cross-checks of a component file, in their binding order.
-constexpr std::array<Pass, 5> PASSES{
-    CheckReceivers, CheckComponents, CheckTestData, CheckTestLoads, WarnUnreferenced,
+// The order is binding: messages come in it, and a pass reads what an earlier one marked.
+constexpr std::array PASSES{
+    Pass{CheckModels},    Pass{CheckSelectors}, Pass{CheckComponents},   Pass{CheckTestData},
+    Pass{CheckTestLoads}, Pass{CheckSubmodels}, Pass{CheckAddSubmodels}, Pass{WarnUnreferenced},
 };
 
 }  // namespace
@@ -108,16 +143,21 @@ void IBIS_Free(ibis* root)
     HDR_FreeList(root->pHeaders);
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
+    SUBMDL_FreeList(root->pSubmodels);
     MSEL_FreeList(root->pModelSelectors);
     TESTDATA_FreeList(root->pTestData);
     TESTLOAD_FreeList(root->pTestLoads);
+    PFILE_FreeList(root->pParamFiles);
+    EFILE_FreeList(root->pCodeFiles);
     CMN_Free(root);
 }
 
-void IBIS_Finish(const char*, ibis_file_type type, int)
+void IBIS_Finish(const char* fileName, ibis_file_type type, int)
 {
     if (type == IBIS_FILE_IBS) {
         IBIS_CheckAll();
+    } else if (type == IBIS_FILE_AMI) {
+        ALGMOD_ReadAmiFile(fileName);
     }
 }
 

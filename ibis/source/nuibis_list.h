@@ -5,6 +5,7 @@
 
 #include "ibis/source/nuibis_cmn.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <new>
@@ -65,6 +66,7 @@ template <class T> struct CMN_Allocator {
     T* allocate(std::size_t count)
     {
         void* block = nullptr;
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): elements may be pointers to records
         if (!CMN_AllocBytes(&block, count * sizeof(T))) {
             throw std::bad_alloc();
         }
@@ -74,8 +76,17 @@ template <class T> struct CMN_Allocator {
     friend bool operator==(const CMN_Allocator&, const CMN_Allocator&) noexcept { return true; }
 };
 
-template <class Key, class Value>
-using CMN_Map = std::map<Key, Value, std::less<Key>, CMN_Allocator<std::pair<const Key, Value>>>;
+template <class Key, class Value, class Less = std::less<Key>>
+using CMN_Map = std::map<Key, Value, Less, CMN_Allocator<std::pair<const Key, Value>>>;
+
+/// The order of names whose case does not count.
+struct CMN_CaseBlindLess {
+    bool operator()(std::string_view a, std::string_view b) const
+    {
+        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                            [](char x, char y) { return CMN_Upper(x) < CMN_Upper(y); });
+    }
+};
 
 template <class Key> using CMN_Set = std::set<Key, std::less<Key>, CMN_Allocator<Key>>;
 
@@ -83,7 +94,7 @@ template <class T> using CMN_Vector = std::vector<T, CMN_Allocator<T>>;
 
 /// Finds records of a list by name, the first in list order winning. Follows a list that grows at its front
 /// or at its tail; records indexed once keep their names. Without memory for the index it walks the list.
-template <class T, auto Name> class LIST_Index
+template <class T, auto Name, class Less = std::less<std::string_view>> class LIST_Index
 {
   public:
     T* find(T* head, std::string_view name)
@@ -107,7 +118,8 @@ template <class T, auto Name> class LIST_Index
   private:
     static T* walk(T* head, std::string_view name)
     {
-        while (head != nullptr && name != std::string_view(head->*Name)) {
+        const Less less;
+        while (head != nullptr && (less(name, head->*Name) || less(head->*Name, name))) {
             head = head->pNext;
         }
         return head;
@@ -137,7 +149,7 @@ template <class T, auto Name> class LIST_Index
         if (stop == nullptr) {
             reset();
         }
-        CMN_Map<std::string_view, T*> front;
+        CMN_Map<std::string_view, T*, Less> front;
         for (T* p = head; p != stop; p = p->pNext) {
             front.try_emplace(p->*Name, p);
             if (mpFirst == nullptr) {
@@ -150,7 +162,7 @@ template <class T, auto Name> class LIST_Index
         mpFirst = head;
     }
 
-    CMN_Map<std::string_view, T*> mNames;
+    CMN_Map<std::string_view, T*, Less> mNames;
     T* mpFirst = nullptr;
     T* mpLast = nullptr;
 };
@@ -175,3 +187,23 @@ class LIST_Repeats
   private:
     CMN_Map<std::string_view, unsigned> mCounts;
 };
+
+/// Most pairs that a rule over equal records looks at. So many are beyond any reader, and a generated file,
+/// in which n equal records make n * (n - 1) / 2 pairs, must not fill the memory.
+inline constexpr std::size_t LIST_PAIR_LIMIT = 100'000;
+
+/// For rules over pairs of equal records: the index of the next record that equals record `i`, or the number
+/// of records. No walk over all pairs is needed to find the few that are equal.
+template <class T, class Less> CMN_Vector<std::size_t> LIST_NextEqual(const CMN_Vector<T>& records, Less less)
+{
+    CMN_Map<T, std::size_t, Less> nearest(less);
+    CMN_Vector<std::size_t> next(records.size(), records.size());
+    for (std::size_t i = records.size(); i-- > 0;) {
+        const auto [place, isNew] = nearest.try_emplace(records[i], i);
+        if (!isNew) {
+            next[i] = place->second;
+            place->second = i;
+        }
+    }
+    return next;
+}

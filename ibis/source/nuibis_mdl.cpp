@@ -1,7 +1,9 @@
 #include "ibis/source/nuibis_mdl.h"
 
+#include "ibis/source/nuibis_algmod.h"
 #include "ibis/source/nuibis_ccorner.h"
 #include "ibis/source/nuibis_crv.h"
+#include "ibis/source/nuibis_drvsh.h"
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_idly.h"
@@ -12,6 +14,7 @@
 #include "ibis/source/nuibis_rcvth.h"
 #include "ibis/source/nuibis_rng.h"
 #include "ibis/source/nuibis_sinfo.h"
+#include "ibis/source/nuibis_submdl.h"
 #include "ibis/source/nuibis_wvfrm.h"
 
 #include <algorithm>
@@ -666,6 +669,23 @@ void ReadInitialDelay(std::string_view text)
     IDLY_Line(gpCurModel->pInitialDelay, text);
 }
 
+// [Driver Schedule] ---------------------------------------------------------------------------------------
+
+void OpenSchedule(std::string_view text)
+{
+    DRVSH_Open(text, &gpCurModel->pDriverSchedule);
+}
+
+void ReadSchedule(std::string_view text)
+{
+    DRVSH_Line(text, gpCurModel->pDriverSchedule, gpCurModel->szName);
+}
+
+void CloseSchedule(nuibis_keyword)
+{
+    DRVSH_Close(gpCurModel->pDriverSchedule, gpCurModel->szName);
+}
+
 // [Add Submodel] ------------------------------------------------------------------------------------------
 
 void OpenAddSubmodel(std::string_view text)
@@ -755,11 +775,22 @@ void RefuseUnknown(std::string_view)
 // A keyword whose block is known and not read yet: its lines are consumed in silence.
 void NotBuilt(std::string_view) {}
 
+void OpenAlgorithmicModel(std::string_view text)
+{
+    ALGMOD_Init(text, &gpCurModel->pAlgorithmicModel);
+}
+
+void ReadAlgorithmicModel(std::string_view text)
+{
+    ALGMOD_Line(text, gpCurModel->pAlgorithmicModel);
+}
+
 void CloseAlgorithmicModel(nuibis_keyword next)
 {
     if (next != KEY_END_ALGORITHMIC_MODEL) {
         MSG_ErrorLine(259);
     }
+    ALGMOD_CheckBits(gpCurModel->pAlgorithmicModel);
 }
 
 void OpenEmiModel(std::string_view text)
@@ -813,7 +844,7 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_TTPOWER, ReadTTpower, RefuseData, nullptr},
     {KEY_MODEL_SPEC, OpenModelSpec, ReadModelSpec, CloseModelSpec},
     {KEY_RECEIVER_THRESHOLDS, OpenReceiverThresholds, ReadReceiverThresholds, CloseReceiverThresholds},
-    {KEY_DRIVER_SCHEDULE, NotBuilt, NotBuilt, nullptr},
+    {KEY_DRIVER_SCHEDULE, OpenSchedule, ReadSchedule, CloseSchedule},
     {KEY_ON, OpenOn, RefuseData, nullptr},
     {KEY_OFF, OpenOff, RefuseData, nullptr},
     {KEY_R_SERIES, ReadSeriesTriple, RefuseData, nullptr},
@@ -825,7 +856,7 @@ constexpr auto KEYWORDS = std::to_array<Keyword>({
     {KEY_SERIES_CURRENT, OpenSeriesCurrent, ReadSeriesCurrent, CloseSeriesCurrent},
     {KEY_SERIES_MOSFET, OpenSeriesMosfet, ReadSeriesMosfet, CloseSeriesMosfet},
     {KEY_ADD_SUBMODEL, OpenAddSubmodel, ReadAddSubmodel, nullptr},
-    {KEY_ALGORITHMIC_MODEL, NotBuilt, NotBuilt, CloseAlgorithmicModel},
+    {KEY_ALGORITHMIC_MODEL, OpenAlgorithmicModel, ReadAlgorithmicModel, CloseAlgorithmicModel},
     {KEY_END_ALGORITHMIC_MODEL, NoAction, RefuseModelData, nullptr},
     {KEY_ISSO_PD, OpenCurve, ReadCurve, CloseCurve},
     {KEY_ISSO_PU, OpenCurve, ReadCurve, CloseCurve},
@@ -869,6 +900,7 @@ void FreeContent(nuibis_mdl& model)
     }
     RNG_Free(model.pVT);
     RNG_Free(model.pIT);
+    DRVSH_Free(model.pDriverSchedule);
     CMN_FreeList(model.pAddSubmodels);
     for (const CurveKeyword& curve : CURVES) {
         CRV_Free(model.*curve.ppField);
@@ -883,6 +915,7 @@ void FreeContent(nuibis_mdl& model)
     CCORNER_Free(model.pCCompCorner);
     IDLY_Free(model.pInitialDelay);
     CMN_Release(model.pEmiModel);
+    ALGMOD_Free(model.pAlgorithmicModel);
 }
 
 }  // namespace
@@ -1022,5 +1055,42 @@ void MDL_WarnUnreferenced(const nuibis_mdl* list)
     }
     if (list != nullptr) {
         MSG_Warning(219, list->szName);
+    }
+}
+
+int MDL_HasAddSubmodel(const nuibis_mdl* model, const submdl* submodel)
+{
+    const addsubmdl* entry = model->pAddSubmodels;
+    while (entry != nullptr && std::string_view(entry->szName) != submodel->szName) {
+        entry = entry->pNext;
+    }
+    return entry != nullptr ? 1 : 0;
+}
+
+void MDL_CheckSubmodelUse(const nuibis_mdl* models, const submdl* submodels)
+try {
+    CMN_Set<std::string_view> used;
+    for (; models != nullptr; models = models->pNext) {
+        for (const addsubmdl* entry = models->pAddSubmodels; entry != nullptr; entry = entry->pNext) {
+            used.insert(entry->szName);
+        }
+    }
+    for (; submodels != nullptr; submodels = submodels->pNext) {
+        if (!used.contains(submodels->szName)) {
+            MSG_Warning(220, submodels->szName);
+        }
+    }
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself.
+}
+
+void MDL_CheckAddSubmodels(const nuibis_mdl* models, submdl* submodels)
+{
+    for (; models != nullptr; models = models->pNext) {
+        for (const addsubmdl* entry = models->pAddSubmodels; entry != nullptr; entry = entry->pNext) {
+            if (SUBMDL_Find(entry->szName, submodels) == nullptr) {
+                MSG_Error(218, entry->szName, models->szName);
+            }
+        }
     }
 }

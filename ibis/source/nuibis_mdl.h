@@ -22,7 +22,7 @@ struct sinfo;
 struct ramp;
 struct wvfrm;
 struct EXTBLOCK;
-struct ALGMOD;
+struct ALGMOD_LIST;
 struct MDLEMI;
 struct idly;
 struct submdl;
@@ -90,15 +90,15 @@ struct nuibis_mdl {
     wvfrm* pRising;              ///< [Rising Waveform], file order
     wvfrm* pFalling;             ///< [Falling Waveform], file order
     EXTBLOCK* pExternalModel;    ///< [External Model]
-    ALGMOD* pAlgorithmicModel;   ///< [Algorithmic Model]
-    crv* pIssoPu;                ///< [ISSO_PU]
-    crv* pIssoPd;                ///< [ISSO_PD]
-    MDLEMI* pEmiModel;           ///< [Begin EMI Model]
-    idly* pInitialDelay;         ///< [Initial Delay] from 6.1 on
-    std::uint32_t uiReferenced;  ///< 1 once a pin, selector, schedule or series pin refers to the model
-    std::uint32_t eDiffUse;      ///< 2 at creation, 0 once found on a pin of a [Diff Pin] pair
-    rng* pVT;                    ///< line V-T of [Initial Delay] up to 6.0
-    rng* pIT;                    ///< line I-T of [Initial Delay] up to 6.0
+    ALGMOD_LIST* pAlgorithmicModel;  ///< [Algorithmic Model]
+    crv* pIssoPu;                    ///< [ISSO_PU]
+    crv* pIssoPd;                    ///< [ISSO_PD]
+    MDLEMI* pEmiModel;               ///< [Begin EMI Model]
+    idly* pInitialDelay;             ///< [Initial Delay] from 6.1 on
+    std::uint32_t uiReferenced;      ///< 1 once a pin, selector, schedule or series pin refers to the model
+    std::uint32_t eDiffUse;          ///< 2 at creation, 0 once found on a pin of a [Diff Pin] pair
+    rng* pVT;                        ///< line V-T of [Initial Delay] up to 6.0
+    rng* pIT;                        ///< line I-T of [Initial Delay] up to 6.0
 };
 
 // Sets of model types, for rules that name them -----------------------------------------------------------
@@ -126,6 +126,13 @@ inline constexpr MDL_TypeSet MDL_RECEIVERS =
     MDL_Types({MODEL_INPUT, MODEL_IO, MODEL_IO_OPEN_DRAIN, MODEL_IO_OPEN_SINK, MODEL_IO_OPEN_SOURCE,
                MODEL_INPUT_ECL, MODEL_IO_ECL});
 inline constexpr MDL_TypeSet MDL_SERIES_TYPES = MDL_Types({MODEL_SERIES, MODEL_SERIES_SWITCH});
+/// Types that only drive low, and types that only drive high.
+inline constexpr MDL_TypeSet MDL_OPEN_LOW =
+    MDL_Types({MODEL_OPEN_DRAIN, MODEL_IO_OPEN_DRAIN, MODEL_OPEN_SINK, MODEL_IO_OPEN_SINK});
+inline constexpr MDL_TypeSet MDL_OPEN_HIGH = MDL_Types({MODEL_OPEN_SOURCE, MODEL_IO_OPEN_SOURCE});
+/// Types that never drive a pad.
+inline constexpr MDL_TypeSet MDL_WITHOUT_DRIVER =
+    MDL_SERIES_TYPES | MDL_Types({MODEL_INPUT, MODEL_INPUT_ECL, MODEL_TERMINATOR});
 inline constexpr MDL_TypeSet MDL_ECL_TYPES =
     MDL_Types({MODEL_INPUT_ECL, MODEL_OUTPUT_ECL, MODEL_IO_ECL, MODEL_3STATE_ECL});
 
@@ -165,7 +172,14 @@ const char* MDL_TypeText(nuibis_model_type type);
 /// the range, resistor and series keywords.
 void MDL_ReadKeywordTriple(std::string_view text, std::string_view label, rng** field);
 
+/// 1 if the model's [Add Submodel] names the submodel.
+int MDL_HasAddSubmodel(const nuibis_mdl* model, const submdl* submodel);
+
 // At the end of the file ----------------------------------------------------------------------------------
 
 /// Warns of the first model that nothing refers to, once a file.
 void MDL_WarnUnreferenced(const nuibis_mdl* list);
+/// Warns of each submodel that no model pulls in.
+void MDL_CheckSubmodelUse(const nuibis_mdl* models, const submdl* submodels);
+/// Errors for the submodels that models pull in and the file does not hold. `submodels` may be null.
+void MDL_CheckAddSubmodels(const nuibis_mdl* models, submdl* submodels);

@@ -1,9 +1,12 @@
 #include "ibis/source/nuibis_msel.h"
 
+#include "ibis/source/nuibis_cmpnt.h"
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_list.h"
 #include "ibis/source/nuibis_mdl.h"
+#include "ibis/source/nuibis_pin.h"
+#include "ibis/source/nuibis_spinmpg.h"
 
 namespace
 {
@@ -12,7 +15,15 @@ namespace
 msel* gpCurMsel = nullptr;
 nuibis_keyword geMselKeyword = NOT_KEY;
 LIST_Tail<mselmodel> gEntries;
-LIST_Index<mselmodel, &mselmodel::szName> gEntryNames;
+LIST_Repeats gEntryRepeats;
+
+// Series types among a selector's models, looked for once: any number of pins may name the same selector.
+struct SeriesTypes {
+    bool bSeries;
+    bool bSwitch;
+};
+
+CMN_Map<const msel*, SeriesTypes> gSeriesTypes;
 
 LIST_Index<msel, &msel::szName> gSelectors;  // follows the list that was last looked into
 
@@ -50,11 +61,8 @@ void ReadDescription(mselmodel& entry, std::string_view text)
 // Each entry of the name that is there already is told.
 void ReportRepeats(std::string_view name)
 {
-    for (const mselmodel* entry = gEntryNames.find(gpCurMsel->pModels, name); entry != nullptr;
-         entry = entry->pNext) {
-        if (name == entry->szName) {
-            MSG_ErrorLine(4025, name);
-        }
+    for (unsigned former = gEntryRepeats.add(name); former > 0; --former) {
+        MSG_ErrorLine(4025, name);
     }
 }
 
@@ -83,20 +91,83 @@ void ReadEntry(std::string_view text)
     gEntries.append(gpCurMsel->pModels, entry);
 }
 
-bool HasType(const msel* selector, nuibis_model_type type)
+// End of file ---------------------------------------------------------------------------------------------
+
+// The names that pins and series pins give for their models.
+CMN_Set<std::string_view> NamesInUse(const CMPNT* component)
+{
+    CMN_Set<std::string_view> names;
+    for (; component != nullptr; component = component->pNext) {
+        for (const PIN* pin = component->pPins; pin != nullptr; pin = pin->pNext) {
+            names.insert(pin->szModel);
+        }
+        for (const SPINMPG* row = component->pSeriesPinMappings; row != nullptr; row = row->pNext) {
+            names.insert(row->szModel);
+        }
+    }
+    return names;
+}
+
+// Reserved words stand for a rail or for nothing, and names without a model count as single-ended.
+bool IsDifferential(const mselmodel& entry, const msel& selector, nuibis_mdl* models)
+{
+    if (!CMN_IsNotReserved(entry.szName)) {
+        return false;
+    }
+    nuibis_mdl* const model = MDL_Find(entry.szName, models);
+    if (model == nullptr) {
+        MSG_Error(4024, entry.szName, selector.szName);
+        return false;
+    }
+    model->uiReferenced = 1;
+    return model->eDiffUse == 0;
+}
+
+// The first entry sets the class of the selector.
+void CheckEntries(msel& selector, nuibis_mdl* models)
+{
+    bool differential = false;
+    for (const mselmodel* entry = selector.pModels; entry != nullptr; entry = entry->pNext) {
+        const bool found = IsDifferential(*entry, selector, models);
+        if (entry == selector.pModels) {
+            differential = found;
+        } else if (found && !differential) {
+            MSG_Warning(4022, entry->szName, selector.szName);
+        } else if (!found && differential) {
+            MSG_Warning(4023, entry->szName, selector.szName);
+        }
+    }
+    selector.eDiffUse = differential ? 0 : 1;
+}
+
+SeriesTypes FindSeriesTypes(const msel& selector, nuibis_mdl* models)
+{
+    SeriesTypes types{};
+    for (const mselmodel* entry = selector.pModels; entry != nullptr; entry = entry->pNext) {
+        nuibis_model_type found = MODEL_UNSEEN;
+        MDL_GetType(models, entry->szName, &found);
+        types.bSeries |= found == MODEL_SERIES;
+        types.bSwitch |= found == MODEL_SERIES_SWITCH;
+    }
+    return types;
+}
+
+SeriesTypes SeriesTypesOf(const msel* selector)
 {
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_Bug(4020, __FILE_NAME__, __LINE__);
-        return false;
+        return {};
     }
-    for (const mselmodel* entry = selector->pModels; entry != nullptr; entry = entry->pNext) {
-        nuibis_model_type found = MODEL_UNSEEN;
-        if (MDL_GetType(root->pModels, entry->szName, &found) && found == type) {
-            return true;
-        }
+    try {
+        const auto known = gSeriesTypes.find(selector);
+        return known != gSeriesTypes.end()
+                   ? known->second
+                   : gSeriesTypes.try_emplace(selector, FindSeriesTypes(*selector, root->pModels))
+                         .first->second;
+    } catch (const std::bad_alloc&) {
+        return FindSeriesTypes(*selector, root->pModels);
     }
-    return false;
 }
 
 }  // namespace
@@ -105,6 +176,8 @@ void MSEL_Init()
 {
     gpCurMsel = nullptr;
     geMselKeyword = NOT_KEY;
+    gEntryRepeats.reset();
+    gSeriesTypes.clear();
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_BugLine(4000, __FILE_NAME__, __LINE__);
@@ -145,10 +218,33 @@ void MSEL_Line(line_type lineType, nuibis_keyword code, std::string_view text)
     }
 }
 
+void MSEL_CheckAll(msel* list)
+try {
+    ibis* root = nullptr;
+    if (!IBIS_GetCurrent(&root)) {
+        MSG_Bug(4020, __FILE_NAME__, __LINE__);
+        return;
+    }
+    const CMN_Set<std::string_view> used = NamesInUse(root->pComponents);
+    for (msel* selector = list; selector != nullptr; selector = selector->pNext) {
+        if (MDL_MarkReferenced(selector->szName, root->pModels)) {
+            MSG_Error(4021, selector->szName);
+        }
+        // The number of an unused selector has no text: nothing is said.
+        if (!used.contains(selector->szName)) {
+            MSG_NoRow(MSG_Severity::Warning, 4026);
+        }
+        CheckEntries(*selector, root->pModels);
+    }
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself.
+}
+
 void MSEL_FreeList(msel* list)
 {
     gpCurMsel = nullptr;
-    gEntryNames.reset();
+    gEntryRepeats.reset();
+    gSeriesTypes.clear();
     gSelectors.reset();
     CMN_FreeList(list, [](msel& selector) { CMN_FreeList(selector.pModels); });
 }
@@ -165,10 +261,10 @@ int MSEL_Exists(std::string_view name, msel* list)
 
 bool MSEL_HasSeries(const msel* selector)
 {
-    return HasType(selector, MODEL_SERIES);
+    return SeriesTypesOf(selector).bSeries;
 }
 
 bool MSEL_HasSeriesSwitch(const msel* selector)
 {
-    return HasType(selector, MODEL_SERIES_SWITCH);
+    return SeriesTypesOf(selector).bSwitch;
 }

@@ -26,6 +26,11 @@ void MSEL_Init();
 void MSEL_Line(line_type lineType, nuibis_keyword code, std::string_view text);
 void MSEL_FreeList(msel* list);
 
+/// The checks at the end of the file: names that are no models, models and selectors of one name, selectors
+/// that mix differential and single-ended models. Marks the models that are listed as referenced and sets
+/// `eDiffUse` of each selector.
+void MSEL_CheckAll(msel* list);
+
 /// Exact comparison, first match of the list; null if absent.
 msel* MSEL_Find(std::string_view name, msel* list);
 /// 1 if a selector has that name.

@@ -144,7 +144,9 @@ void PutConversion(Writer& out, const Conversion& conversion, const MSG_Arg& arg
     std::string_view text;
     switch (arg.eKind) {
     case MSG_Kind::Text:
-        text = arg.sText;
+        text = conversion.iPrecision < 0
+                   ? arg.sText
+                   : arg.sText.substr(0, static_cast<std::size_t>(conversion.iPrecision));
         break;
     case MSG_Kind::Character:
         buffer[0] = static_cast<char>(arg.iValue);
@@ -235,6 +237,10 @@ std::size_t MSG_Format(std::span<char> out, const char* format, std::span<const 
             continue;
         }
         ++p;
+        if (*p == '%') {
+            writer.put('%');
+            continue;
+        }
         const Conversion conversion = ReadConversion(p);
         if (used < args.size()) {
             PutConversion(writer, conversion, args[used++]);

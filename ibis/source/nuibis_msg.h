@@ -105,6 +105,10 @@ template <MSG_Kind... Kinds> consteval void CheckArguments(const char* format)
         if (*p != '%') {
             continue;
         }
+        if (p[1] == '%') {
+            ++p;
+            continue;
+        }
         do {
             ++p;
         } while (IsFlag(*p));

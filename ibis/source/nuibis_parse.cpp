@@ -6,6 +6,7 @@
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
 #include "ibis/source/nuibis_sniff.h"
+#include "ibis/source/nuibis_submdl.h"
 #include "ibis/source/nuibis_testdata.h"
 #include "ibis/source/nuibis_testload.h"
 
@@ -223,7 +224,7 @@ constexpr auto GROUPS = std::to_array<Group>({
     {KEY_DEFINE_PACKAGE_MODEL, KEY_NUMBER_OF_SECTIONS, KEY_DEFINE_PACKAGE_MODEL, V3, V61, PACKAGES, PKGMDL},
     {KEY_BEGIN_BOARD_DESCRIPTION, KEY_END_BOARD_DESCRIPTION, KEY_BEGIN_BOARD_DESCRIPTION, V3, V61, BOARDS, NOT_BUILT},
     {KEY_MODEL_SELECTOR, KEY_MODEL_SELECTOR, KEY_MODEL_SELECTOR, V3, V61, IBS_ONLY, {MSEL_Init, MSEL_Line, nullptr}},
-    {KEY_SUBMODEL, KEY_SUB_INITIAL_DELAY, KEY_SUBMODEL, V3, V61, IBS_ONLY, NOT_BUILT},
+    {KEY_SUBMODEL, KEY_SUB_INITIAL_DELAY, KEY_SUBMODEL, V3, V61, IBS_ONLY, {SUBMDL_Init, SUBMDL_Line, SUBMDL_Leave}},
     {KEY_TEST_DATA, KEY_DIFF_FALLING_WAVEFORM_FAR, KEY_TEST_DATA, V3, V61, IBS_ONLY, TESTDATA},
     {KEY_TEST_LOAD, KEY_TEST_LOAD, KEY_TEST_LOAD, V3, V61, IBS_ONLY, TESTLOAD},
 });
@@ -507,8 +508,7 @@ bool AppendText(std::span<const char> text, bool blank)
 
 void StartTextPass()
 {
-    CMN_Release(gpszFileText);
-    guiFileTextLength = guiFileTextCapacity = 0;
+    PARSE_FreeFileText();
     guiParamLineNumber = 0;
     gcCommentChar = '|';
     gszFileName[0] = '\0';
@@ -596,6 +596,12 @@ char PARSE_GetCommentChar()
 std::string_view PARSE_GetFileText()
 {
     return {gpszFileText, guiFileTextLength};
+}
+
+void PARSE_FreeFileText()
+{
+    CMN_Release(gpszFileText);
+    guiFileTextLength = guiFileTextCapacity = 0;
 }
 
 int PARSE_ReadFile(const char* name, ibis_file_type type)

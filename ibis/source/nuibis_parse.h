@@ -21,8 +21,10 @@
 int PARSE_ReadFile(const char* name, ibis_file_type type);
 
 /// Text of the parameter file last read: all lines joined with blanks, comments cut. Lives until the next
-/// parameter file is read.
+/// parameter file is read or the text is freed; a view without data when there is none.
 std::string_view PARSE_GetFileText();
+/// Ends the life of that text, so that nobody takes it for the text of a file that could not be read.
+void PARSE_FreeFileText();
 
 /// The comment character that is in force.
 char PARSE_GetCommentChar();
