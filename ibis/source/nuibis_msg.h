@@ -167,6 +167,7 @@ using MSG_Plain = MSG_Site<>;
 using MSG_Text1 = MSG_Site<MSG_Kind::Text>;
 using MSG_Text2 = MSG_Site<MSG_Kind::Text, MSG_Kind::Text>;
 using MSG_Text3 = MSG_Site<MSG_Kind::Text, MSG_Kind::Text, MSG_Kind::Text>;
+using MSG_Text4 = MSG_Site<MSG_Kind::Text, MSG_Kind::Text, MSG_Kind::Text, MSG_Kind::Text>;
 using MSG_Int1 = MSG_Site<MSG_Kind::Integer>;
 /// "Incorrect Number of Line Items (%d) For %s: Expecting %d"
 using MSG_Count = MSG_Site<MSG_Kind::Integer, MSG_Kind::Text, MSG_Kind::Integer>;

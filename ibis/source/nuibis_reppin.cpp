@@ -1,5 +1,6 @@
 #include "ibis/source/nuibis_reppin.h"
 
+#include "ibis/source/nuibis_algmod.h"
 #include "ibis/source/nuibis_cmpnt.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_mdl.h"
@@ -20,14 +21,48 @@ struct Side {
     MDL_TypeSet uiTypes;
     MSG_Text2 wrongType;    // (component, pin)
     MSG_Text3 noAlgorithm;  // (component, pin, model)
+    MSG_Text4 noRepeater;   // (component, pin, model, parameter file); 0: the other side tells it
 };
 
 constexpr std::array<Side, 2> SIDES{{
-    {&REPPIN::szPin, 5105, MDL_Types({MODEL_INPUT, MODEL_INPUT_DIFF}), 5113, 5116},
-    {&REPPIN::szTxNonInvPin, 5106, MDL_Types({MODEL_OUTPUT, MODEL_OUTPUT_DIFF}), 5114, 5117},
+    {&REPPIN::szPin, 5105, MDL_Types({MODEL_INPUT, MODEL_INPUT_DIFF}), 5113, 5116, 5118},
+    {&REPPIN::szTxNonInvPin, 5106, MDL_Types({MODEL_OUTPUT, MODEL_OUTPUT_DIFF}), 5114, 5117, 0},
 }};
 
-void CheckSide(const Side& side, const char* name, PIN* pins, const ibis& root, const char* component)
+// The parameter files of models that tell no repeater type. Each model is looked through once, and gives a
+// file once, however many platforms share it; a file that could not be read is its own matter.
+class ParamFiles
+{
+  public:
+    using Files = CMN_Vector<const PFILE*>;
+
+    const Files& withoutRepeater(const nuibis_mdl& model)
+    {
+        const auto [entry, isNew] = mFiles.try_emplace(&model);
+        if (isNew) {
+            collect(model, entry->second);
+        }
+        return entry->second;
+    }
+
+  private:
+    static void collect(const nuibis_mdl& model, Files& files)
+    {
+        CMN_Set<const PFILE*> seen;
+        for (const ALGMOD* line = model.pAlgorithmicModel->pFirst; line != nullptr; line = line->pNext) {
+            const PFILE* const file = line->pParamFile;
+            if (file != nullptr && file->eType == IBIS_FILE_AMI && file->pTree != nullptr &&
+                file->szRepeaterType[0] == '\0' && seen.insert(file).second) {
+                files.push_back(file);
+            }
+        }
+    }
+
+    CMN_Map<const nuibis_mdl*, Files> mFiles;
+};
+
+void CheckSide(const Side& side, const char* name, PIN* pins, const ibis& root, ParamFiles& files,
+               const char* component)
 {
     const char* const modelName = PIN_ModelOf(pins, name);
     if (modelName == nullptr) {
@@ -43,6 +78,10 @@ void CheckSide(const Side& side, const char* name, PIN* pins, const ibis& root, 
     }
     if (model->pAlgorithmicModel == nullptr) {
         MSG_Error(side.noAlgorithm, component, name, modelName);
+    } else if (side.noRepeater) {
+        for (const PFILE* file : files.withoutRepeater(*model)) {
+            MSG_Error(side.noRepeater, component, name, modelName, file->szName);
+        }
     }
 }
 
@@ -106,18 +145,21 @@ void REPPIN_Free(REPPIN* list)
 }
 
 void REPPIN_CheckAll(const REPPIN* list, PIN* pins, const char* component)
-{
+try {
     ibis* root = nullptr;
     if (!IBIS_GetCurrent(&root)) {
         MSG_Bug(5115, __FILE_NAME__, __LINE__);
         return;
     }
+    ParamFiles files;
     for (const REPPIN* pair = pins == nullptr ? nullptr : list; pair != nullptr; pair = pair->pNext) {
         for (const Side& side : SIDES) {
             if (const char* name = pair->*side.pszPin; name[0] != '\0') {
-                CheckSide(side, name, pins, *root, component);
+                CheckSide(side, name, pins, *root, files, component);
             }
         }
     }
     PINPAIR_CheckUnique<&REPPIN::szPin, &REPPIN::szTxNonInvPin>(list, component, {5107, 5108, 5109, 5110});
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself; the rest of the check falls away.
 }
