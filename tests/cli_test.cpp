@@ -125,6 +125,13 @@ TEST(CommandLine, CallPrintsOneValue)
     EXPECT_EQ(RunTalibis("call deNoFunction").status, 2);
 }
 
+TEST(CommandLine, FunctionsAreListedWithTheirParameters)
+{
+    const std::string list = RunTalibis("functions").out;
+    EXPECT_NE(list.find("deCheckIbisData file type\n"), std::string::npos);
+    EXPECT_NE(list.find("deGetIbisR_series file type model state corner\n"), std::string::npos);
+}
+
 TEST(CommandLine, WrongUsageIsOneClearLine)
 {
     for (const char* words :

@@ -2,6 +2,7 @@
 
 #include "ibis/interface/talibis.h"
 
+#include "ibis/interface/talibis_filter.h"
 #include "ibis/interface/talibis_print.h"
 #include "ibis/source/nuibis_cmpnt.h"
 #include "ibis/source/nuibis_ibis.h"
@@ -22,25 +23,6 @@ namespace
 {
 
 constexpr std::size_t VERSION_LINE_LIMIT = 120;
-
-// Lists that grew at their front hold a file's records newest first.
-template <class T> std::vector<const T*> InFileOrder(const T* head)
-{
-    std::vector<const T*> records;
-    for (; head != nullptr; head = head->pNext) {
-        records.push_back(head);
-    }
-    std::reverse(records.begin(), records.end());
-    return records;
-}
-
-void MissComponent(TalIbisQueryData& record, const char* component, const char* file)
-{
-    if (component != nullptr && file != nullptr) {
-        record.setFormatedError(QueryError, "Component '%s' not found in the IBIS file '%s'", component,
-                                file);
-    }
-}
 
 // The version text of a "[IBIS Ver]" line; empty for any other keyword.
 std::string VersionText(std::string_view line)
@@ -109,29 +91,21 @@ PIN* TalIbis::findPin(const CMPNT* component, const char* name) const
     return component == nullptr || name == nullptr ? nullptr : PIN_Find(component->pPins, name);
 }
 
+void TalIbis::missComponent(TalIbisQueryData& record, const char* component) const
+{
+    if (component != nullptr && pszFileName != nullptr) {
+        record.setFormatedError(QueryError, "Component '%s' not found in the IBIS file '%s'", component,
+                                pszFileName);
+    }
+}
+
 CMPNT* TalIbis::findCompOrReport(const char* name, TalIbisQueryData& record) const
 {
     CMPNT* const component = findComp(name);
     if (component == nullptr) {
-        MissComponent(record, name, pszFileName);
+        missComponent(record, name);
     }
     return component;
-}
-
-bool TalIbis::isModelType(const char* name, nuibis_model_type type) const
-{
-    if (const nuibis_mdl* model = findModel(name); model != nullptr) {
-        return model->eModelType == type;
-    }
-    const msel* const selector = findModelSelector(name);
-    for (const mselmodel* entry = selector == nullptr ? nullptr : selector->pModels; entry != nullptr;
-         entry = entry->pNext) {
-        const nuibis_mdl* const model = findModel(entry->szName);
-        if (model != nullptr && model->eModelType == type) {
-            return true;
-        }
-    }
-    return false;
 }
 
 // Components and pins -------------------------------------------------------------------------------------
@@ -139,7 +113,7 @@ bool TalIbis::isModelType(const char* name, nuibis_model_type type) const
 void TalIbis::getCompList(TalIbisListQueryData& list) const
 {
     answerQuery(list, [&] {
-        for (const CMPNT* component : InFileOrder(pIbis == nullptr ? nullptr : pIbis->pComponents)) {
+        for (const CMPNT* component : inFileOrder(pIbis == nullptr ? nullptr : pIbis->pComponents)) {
             insertRow(list, component->szName);
         }
         if (list.size() == 0 && pszFileName != nullptr) {
@@ -151,7 +125,7 @@ void TalIbis::getCompList(TalIbisListQueryData& list) const
 void TalIbis::getCompListQt(std::vector<std::string>* names) const
 try {
     names->clear();
-    for (const CMPNT* component : InFileOrder(pIbis == nullptr ? nullptr : pIbis->pComponents)) {
+    for (const CMPNT* component : inFileOrder(pIbis == nullptr ? nullptr : pIbis->pComponents)) {
         names->emplace_back(component->szName);
     }
 } catch (const std::bad_alloc&) {
@@ -169,13 +143,16 @@ void TalIbis::getPinList(const char* component, TalIbisListQueryData& list) cons
 }
 
 const PIN* TalIbis::findPinOfType(const char* component, nuibis_model_type type, int index) const
-{
+try {
     const CMPNT* const found = findComp(component);
+    OncePerName isOfType([&](const char* model) { return isModelType(model, type); });
     for (const PIN* pin = found == nullptr ? nullptr : found->pPins; pin != nullptr; pin = pin->pNext) {
-        if ((type == MODEL_UNSEEN || isModelType(pin->szModel, type)) && index-- == 0) {
+        if ((type == MODEL_UNSEEN || isOfType(pin->szModel)) && index-- == 0) {
             return pin;
         }
     }
+    return nullptr;
+} catch (const std::bad_alloc&) {
     return nullptr;
 }
 
@@ -226,17 +203,18 @@ void TalIbis::getPinMapping(const char* component, const char* pin, TalIbisListQ
         if (mapping == nullptr) {
             return;
         }
-        const auto insertCells = [&](const std::array<const char*, 5>& cells) {
-            std::string row;
-            for (const char* cell : cells) {
-                row += padRight(cell, width);
-            }
-            insertRow(list, row);
-        };
-        insertCells({"Pulldown_ref", "Pullup_ref", "Gnd_clamp_ref", "Power_clamp_ref", "Ext_ref"});
-        insertDashes(list, dashes);
-        insertCells({mapping->szPulldownRef, mapping->szPullupRef, mapping->szGndClampRef,
-                     mapping->szPowerClampRef, mapping->szExtRef});
+        insertTitle(list,
+                    {{width, "Pulldown_ref"},
+                     {width, "Pullup_ref"},
+                     {width, "Gnd_clamp_ref"},
+                     {width, "Power_clamp_ref"},
+                     {width, "Ext_ref"}},
+                    dashes);
+        insertRow(list, {{width, mapping->szPulldownRef},
+                         {width, mapping->szPullupRef},
+                         {width, mapping->szGndClampRef},
+                         {width, mapping->szPowerClampRef},
+                         {width, mapping->szExtRef}});
     });
 }
 

@@ -9,26 +9,41 @@
 #pragma once
 
 #include "ibis/interface/talibis_query.h"
+#include "ibis/interface/talibis_symbol.h"
 #include "ibis/source/nuibis_errors.h"
 #include "ibis/source/nuibis_types.h"
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
+class IbisRawModelData;
 struct CMPNT;
 struct PIN;
 struct PKG;
+struct ccorner;
 struct ibis;
+struct mspec;
 struct msel;
 struct nuibis_mdl;
+struct ramp;
+struct rampline;
 struct rng;
+struct sinfo;
+struct submdl;
+enum IbisSwitchType : std::int32_t;
 enum numstat : std::int32_t;
 
 /// One file that was read. Owned by the file manager; a host never frees one. Copies share what it points to.
 ///
-/// Queries take their record by reference, clear it first and report only through it. A name that is not in
-/// the file gives status -1 and a text.
+/// Queries take their record by reference, clear it first unless they say otherwise, and report only through
+/// it. A name that is not in the file gives status -1 and a text; an item that the named thing lacks gives an
+/// empty result. A null name ends a query without a status.
+///
+/// A `corner` is "Typ", "Min", "Max" or "Empty", in exact case. A corner that is no number gives typ, "Empty"
+/// the empty string, null and any other word typ. Numbers are in V, A, Ohm, H, F and s, written as by "%g".
+/// A `symbol` is the name of a schematic symbol, see `TalIbisSymbol`.
 class TALIBIS_API TalIbis
 {
   public:
@@ -86,8 +101,137 @@ class TALIBIS_API TalIbis
 
     // Models ------------------------------------------------------------------------------------------------
 
-    /// `name` is a model of `type`, or a model selector with an entry of `type`.
-    bool isModelType(const char* name, nuibis_model_type type) const;
+    /// The names of the models, [Model], in file order.
+    void getModelList(TalIbisListQueryData& list) const;
+    /// The names of the selectors, [Model Selector], in file order.
+    void getModelSelectorList(TalIbisListQueryData& list) const;
+    /// Report table of a selector's models that fit the symbol, with their descriptions. Status -1 for a name
+    /// that is no symbol; nothing for an unknown selector.
+    void getModelSelectorSubModelList(const char* selector, const char* symbol,
+                                      TalIbisListQueryData& list) const;
+    /// Length of the longest name in that table, 0 without any; 40 for a selector that is unknown or empty.
+    int getModelSelectorSubModelListLen(const char* selector, const char* symbol) const;
+    /// The names of a selector's models that drive (symbol "IBIS_S_O") or receive ("IBIS_S_I"); the vector is
+    /// emptied first.
+    void getModelSelectorSubModelListQt(const char* selector, std::vector<std::string>* names,
+                                        bool isOutput) const;
+    /// Whether a selector has a model that fits the symbol. A name that is no symbol gives status -1 and
+    /// keeps the flag. Does not clear.
+    void hasModelSelector(const char* selector, const char* symbol, TalIbisBooleanQueryData& flag) const;
+
+    /// Lines of a model's type, polarity, enable and timing test load: Vmeas, Cref, Rref, Vref, Cref_diff,
+    /// Rref_diff.
+    void getModelInfo(const char* model, TalIbisListQueryData& list) const;
+    /// The Model_type of a model, or of the first model of a selector that the file has.
+    void getModelTypeString(const char* name, TalIbisStringQueryData& result) const;
+    /// Report table of [Driver Schedule], in s.
+    void getModelDriverScheduleDelay(const char* model, TalIbisListQueryData& list) const;
+    /// Whether the model has a [Driver Schedule]; false for an unknown model. Does not clear.
+    void hasModelDriverSchedule(const char* model, TalIbisBooleanQueryData& flag) const;
+    bool hasModelDriverSchedule(const char* model) const;
+    /// The names of [Add Submodel], in order.
+    void getSubmodelList(const char* model, TalIbisListQueryData& list) const;
+    /// Mode, type and trigger voltages (V) of a submodel that the model adds. A submodel that it does not add
+    /// gives status -1, and its type and triggers all the same.
+    void getSubmodelInfo(const char* model, const char* submodel, TalIbisListQueryData& list) const;
+    /// Report table of Off_delay (s) of [Submodel Spec].
+    void getSubmodelOffDelay(const char* submodel, TalIbisListQueryData& list) const;
+
+    // Report tables of one triple of a model: a row of typ, min and max.
+    void getVoltageRange(const char* model, TalIbisListQueryData& list) const;  ///< [Voltage Range], V
+    void getPullupRef(const char* model, TalIbisListQueryData& list) const;     ///< [Pullup Reference], V
+    void getPulldownRef(const char* model, TalIbisListQueryData& list) const;   ///< [Pulldown Reference], V
+    void getPowerClampRef(const char* model,
+                          TalIbisListQueryData& list) const;                   ///< [POWER Clamp Reference], V
+    void getGndClampRef(const char* model, TalIbisListQueryData& list) const;  ///< [GND Clamp Reference], V
+    void getExternalRef(const char* model, TalIbisListQueryData& list) const;  ///< [External Reference], V
+    void getTTgnd(const char* model, TalIbisListQueryData& list) const;        ///< [TTgnd], s
+    void getTTpower(const char* model, TalIbisListQueryData& list) const;      ///< [TTpower], s
+    void getRgnd(const char* model, TalIbisListQueryData& list) const;    ///< [Rgnd], Ohm. Does not clear.
+    void getRpower(const char* model, TalIbisListQueryData& list) const;  ///< [Rpower], Ohm
+    void getRac(const char* model, TalIbisListQueryData& list) const;     ///< [Rac], Ohm
+    void getCac(const char* model, TalIbisListQueryData& list) const;     ///< [Cac], F
+
+    // Whether a model has a table. They do not clear; an unknown model gives status -1 and false.
+    void hasPullup(const char* model, TalIbisBooleanQueryData& flag) const;      ///< [Pullup]
+    void hasPulldown(const char* model, TalIbisBooleanQueryData& flag) const;    ///< [Pulldown]
+    void hasPowerClamp(const char* model, TalIbisBooleanQueryData& flag) const;  ///< [POWER Clamp]
+    void hasGndClamp(const char* model, TalIbisBooleanQueryData& flag) const;    ///< [GND Clamp]
+
+    // Die capacitances (F): the item of [C Comp Corner] where the model has that keyword, even when it lacks
+    // the item, otherwise the subparameter.
+    void getC_comp(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getC_comp_pullup(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getC_comp_pulldown(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getC_comp_power_clamp(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getC_comp_gnd_clamp(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    // Input thresholds (V): that of [Model Spec], otherwise the subparameter whatever the corner, otherwise
+    // "10000", which no input reaches.
+    void getVinh(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getVinl(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// R_load (Ohm) of [Ramp].
+    void getR_load(const char* model, TalIbisStringQueryData& result) const;
+    // dV/dt_r and dV/dt_f of [Ramp] as "dV/dt" (V, s), "NA", or one blank where a corner was not given; empty
+    // for a word that is none of "Typ", "Min" and "Max".
+    void getRampDvDtRise(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getRampDvDtFall(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// V_fixture (V) of the first [Rising Waveform]. "Typ", "Min" or "Max"; any other word is told on the
+    /// standard error stream and gives the empty string.
+    void getV_fixture1(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    // Empty for every model: they hold the place of fixtures that no host asks for.
+    void getV_fixture2(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    void getR_fixture1(const char* model, TalIbisStringQueryData& result) const;
+    void getR_fixture2(const char* model, TalIbisStringQueryData& result) const;  ///< Does not clear.
+
+    // Series elements (Ohm, H, F) of a model of type Series or Series_switch; `state` is "On", and any other
+    // word is off. They do not clear. An unknown model is reported as a component: scripts look for the
+    // words.
+    void getR_series(const char* model, const char* state, const char* corner,
+                     TalIbisStringQueryData& result) const;  ///< [R Series]
+    void getL_series(const char* model, const char* state, const char* corner,
+                     TalIbisStringQueryData& result) const;  ///< [L Series]
+    void getRl_series(const char* model, const char* state, const char* corner,
+                      TalIbisStringQueryData& result) const;  ///< [Rl Series]
+    void getC_series(const char* model, const char* state, const char* corner,
+                     TalIbisStringQueryData& result) const;  ///< [C Series]
+    void getRc_series(const char* model, const char* state, const char* corner,
+                      TalIbisStringQueryData& result) const;  ///< [Rc Series]
+    void getLc_series(const char* model, const char* state, const char* corner,
+                      TalIbisStringQueryData& result) const;  ///< [Lc Series]
+    // Whether that state has the table; false without a word for an unknown model. They do not clear.
+    void hasSeries_current(const char* model, const char* state,
+                           TalIbisBooleanQueryData& flag) const;  ///< [Series Current]
+    void hasSeries_MOSFET(const char* model, const char* state,
+                          TalIbisBooleanQueryData& flag) const;  ///< [Series MOSFET]
+    /// `SWITCH_ON` for the word "On", otherwise `SWITCH_OFF`.
+    static IbisSwitchType getSeriesSwitchType(const char* state);
+
+    /// A view of a model for simulators, owned by the caller; null if the file has no such model. It lives no
+    /// longer than the file is cached.
+    IbisRawModelData* getIbisRawModelData(const char* model) const;
+
+    /// Runs the end-of-file checks of one model anew: the steady state against ramp, waveforms and test load,
+    /// believable values, [Driver Schedule], [Test Data]. Gives the shared container, reset before.
+    const IbisErrorContainer* testModel(const char* model) const;
+    /// The same; what the container holds stays.
+    const IbisErrorContainer* testModel(nuibis_mdl* model) const;
+
+    // Pin relations -----------------------------------------------------------------------------------------
+
+    /// Report table of the pins of a component that fit the symbol: name, signal, model. The symbol "" leaves
+    /// out pins without a buffer.
+    void getPinModelList(const char* component, const char* symbol, TalIbisListQueryData& list) const;
+    /// Report table of the [Diff Pin] pair that a pin stands in: threshold (V) and delays (s).
+    void getDiffPin(const char* component, const char* pin, TalIbisListQueryData& list) const;
+    /// Report table of the [Repeater Pin] entries whose receiver is of the symbol's kind,
+    /// "IBIS_ReDriver_AMI" or "IBIS_ReTimer_AMI". Status 2 when entries were left out.
+    void getRepeaterPinList(const char* component, const char* symbol, TalIbisListQueryData& list) const;
+    /// Report table of the [Series Pin Mapping] entries of a pin. Does not clear on a null name.
+    void getSeriesPinMapping(const char* component, const char* pin, TalIbisListQueryData& list) const;
+    /// Report table of [Series Switch Groups]. Does not clear on a null name.
+    void getSeriesSwitchGroup(const char* component, TalIbisListQueryData& list) const;
+    /// Whether the pin stands in [Series Pin Mapping]; false for unknown names. Does not clear.
+    void hasSeriesPinMapping(const char* component, const char* pin, TalIbisBooleanQueryData& flag) const;
 
   private:
     CMPNT* findComp(const char* name) const;
@@ -95,12 +239,38 @@ class TALIBIS_API TalIbis
     msel* findModelSelector(const char* name) const;
     PIN* findPin(const CMPNT* component, const char* name) const;
 
+    submdl* findSubmodel(const char* name) const;
+
+    void missComponent(TalIbisQueryData& record, const char* component) const;
+    CMPNT* findCompOrReportQuoted(const char* name, TalIbisQueryData& record) const;
     CMPNT* findCompOrReport(const char* name, TalIbisQueryData& record) const;
+    nuibis_mdl* findModelOrReport(const char* name, TalIbisQueryData& record) const;
     const PIN* findPinOfType(const char* component, nuibis_model_type type, int index) const;
     void getPinValue(const char* component, const char* pin, double PIN::*value, numstat PIN::*status,
                      TalIbisStringQueryData& result) const;
     void getPackageValue(const char* component, const char* corner, rng* PKG::*values,
                          TalIbisStringQueryData& result) const;
+
+    static nuibis_model_type getModelType(const nuibis_mdl* model);
+    nuibis_model_type getModelType(const char* name) const;
+    bool isModelType(const char* name, nuibis_model_type type) const;
+    bool isModelType(const char* name, nuibis_model_type type, bool selective) const;
+    bool isModelType(const char* name, const TalIbisSymbol& symbol) const;
+
+    bool isRepeater(const char* name, std::string_view type) const;
+
+    template <class Query> void queryModel(const char* model, TalIbisQueryData& record, Query query) const;
+    void getTriple(const char* model, rng* nuibis_mdl::*values, TalIbisListQueryData& list) const;
+    void hasItem(const char* model, bool (*has)(const nuibis_mdl&), TalIbisBooleanQueryData& flag) const;
+    void getCapacitance(const char* model, const char* corner, rng* nuibis_mdl::*own, rng* ccorner::*item,
+                        TalIbisStringQueryData& result) const;
+    void getThreshold(const char* model, const char* corner, rng* mspec::*spec, double* nuibis_mdl::*own,
+                      TalIbisStringQueryData& result) const;
+    void getSlope(const char* model, const char* corner, rampline* ramp::*line,
+                  TalIbisStringQueryData& result) const;
+    const sinfo* findSeries(const char* model, const char* state) const;
+    void getSeries(const char* model, const char* state, const char* corner, rng* sinfo::*values,
+                   TalIbisStringQueryData& result) const;
 
     const char* pszFileName = nullptr;
     ibis_file_type eFileType = IBIS_FILE_NONE;
@@ -110,6 +280,7 @@ class TALIBIS_API TalIbis
     std::int64_t tTimeStamp = 0;
 
     friend class TalIbisFileManager;
+    friend class TalIbisFilter;
 };
 
 /// Handles by interned name. The file type is no part of the key.

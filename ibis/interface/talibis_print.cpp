@@ -49,6 +49,20 @@ std::string padRight(std::string_view text, std::size_t width)
     return padded;
 }
 
+std::string printColumn(double value, numstat status)
+{
+    return status == NUM_ABSENT ? " " : printOptionalDataValue(value, status);
+}
+
+std::string printRow(std::initializer_list<Column> columns)
+{
+    std::string row;
+    for (const Column& column : columns) {
+        row += padRight(column.text, column.width);
+    }
+    return row;
+}
+
 void insertRow(TalIbisListQueryData& list, std::string_view row)
 {
     char* const block = static_cast<char*>(std::malloc(row.size() + 1));
@@ -60,7 +74,28 @@ void insertRow(TalIbisListQueryData& list, std::string_view row)
     list.insert(block);
 }
 
-void insertDashes(TalIbisListQueryData& list, std::size_t count)
+void insertRow(TalIbisListQueryData& list, std::initializer_list<Column> columns)
 {
-    insertRow(list, std::string(count, '-'));
+    insertRow(list, printRow(columns));
+}
+
+void insertTitle(TalIbisListQueryData& list, std::initializer_list<Column> columns, std::size_t dashes)
+{
+    insertRow(list, columns);
+    insertRow(list, std::string(dashes, '-'));
+}
+
+std::string printTriple(const rng& values)
+{
+    const std::string typ = printColumn(values.dTyp, values.eTyp);
+    const std::string min = values.eMin == NUM_VALUE ? printNumber(values.dMin) : typ;
+    const std::string max = values.eMax == NUM_VALUE ? printNumber(values.dMax) : typ;
+    return printRow({{NUMBER_WIDTH, typ}, {NUMBER_WIDTH, min}, {NUMBER_WIDTH, max}});
+}
+
+void insertTriple(TalIbisListQueryData& list, const rng& values)
+{
+    static constexpr std::size_t dashes = 38;
+    insertTitle(list, {{NUMBER_WIDTH, "typ"}, {NUMBER_WIDTH, "min"}, {NUMBER_WIDTH, "max"}}, dashes);
+    insertRow(list, printTriple(values));
 }

@@ -9,3 +9,6 @@
 TALIBIS_API bool talIbis_qel_initialize();
 /// The table that is registered, for tools that list the functions.
 TALIBIS_API const QEL_TABLE* talIbis_qel_table();
+/// What a function takes behind file name and file type, one word a parameter, such as "component pin"; null
+/// for an unknown function.
+TALIBIS_API const char* talIbis_qel_parameters(const char* function);

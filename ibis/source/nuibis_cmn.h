@@ -7,6 +7,7 @@
 
 #include "ibis/source/nuibis_msg.h"
 #include "ibis/source/nuibis_state.h"
+#include "ibis/source/nuibis_table.h"
 #include "ibis/source/nuibis_types.h"
 
 #include <algorithm>
@@ -205,13 +206,6 @@ enum CMN_Number : int {
     CMN_INVALID = 0,
     CMN_GOOD = 1,
     CMN_SUSPICIOUS = 2,  ///< good, but a digit stands in its unit, or text is left over
-};
-
-/// Status of a value of a record.
-enum numstat : std::int32_t {
-    NUM_ABSENT = 0,  ///< not given, or invalid
-    NUM_VALUE = 1,   ///< a number is stored
-    NUM_NA = 2,      ///< the word "NA" was given; the value field is 0.0
 };
 
 /// Reads a number with one of the scale letters T G M k m u n p f and a unit: "1.5nH" is 1.5e-9.

@@ -8,11 +8,6 @@
 #include "ibis/source/nuibis_keyword.h"
 #include "ibis/source/nuibis_rngp.h"
 
-/// A table. It tells one that was opened and has no rows from one that is absent, which is a null pointer.
-struct crv {
-    rngp* pHead;  ///< rows in file order
-};
-
 enum CRV_TrackState : std::uint32_t {
     TRACK_EMPTY = 0,  ///< nothing seen
     TRACK_RUNNING = 1,

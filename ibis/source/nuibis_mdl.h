@@ -27,14 +27,6 @@ struct MDLEMI;
 struct idly;
 struct submdl;
 
-/// When a submodel of [Add Submodel] is active.
-enum submdl_modes : std::int32_t {
-    SUBMODE_DRIVING = 0,
-    SUBMODE_NON_DRIVING = 1,
-    SUBMODE_ALL = 2,
-    SUBMODE_NONE = 3,  ///< not given, or not understood
-};
-
 /// One line of [Add Submodel].
 struct addsubmdl {
     char szName[41];

@@ -6,20 +6,6 @@
 
 #include "ibis/source/nuibis_cmn.h"
 
-/// A value is meant only where its status is NUM_VALUE.
-struct rngp {
-    rngp* pNext;
-    rngp* pPrev;
-    double dFirst;
-    numstat eFirst;
-    double dTyp;
-    numstat eTyp;
-    double dMin;
-    numstat eMin;
-    double dMax;
-    numstat eMax;
-};
-
 /// A column of a row, with its name in messages.
 struct RNGP_Column {
     std::string_view sName;

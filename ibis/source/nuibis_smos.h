@@ -7,12 +7,6 @@
 
 struct nuibis_mdl;
 
-struct smos {
-    double* pdVds;  ///< in V, null until read
-    crv* pTable;
-    smos* pNext;
-};
-
 /// The keyword line: appends a new record to the list that starts at `head` and makes it the current one. Its
 /// table is opened by the caller. 1 on success.
 int SMOS_Open(std::string_view text, smos*& head, smos** out);

@@ -19,6 +19,10 @@ constexpr unsigned GROUP_LIMIT = 20;
 
 LIST_Tail<SPINMPG> gTail;  // follows the list that is being read
 
+// The pins of one list at a time, by column; forgotten by SPINMPG_Free.
+LIST_Index<const SPINMPG, &SPINMPG::szPin1> gPins1;
+LIST_Index<const SPINMPG, &SPINMPG::szPin2> gPins2;
+
 // End checks ----------------------------------------------------------------------------------------------
 
 // What a mapping says about its function group.
@@ -236,8 +240,15 @@ void SPINMPG_Add(SPINMPG*& list, SPINMPG* mapping)
     gTail.append(list, mapping);
 }
 
+bool SPINMPG_Has(const SPINMPG* list, std::string_view pin)
+{
+    return gPins1.find(list, pin) != nullptr || gPins2.find(list, pin) != nullptr;
+}
+
 void SPINMPG_Free(SPINMPG* list)
 {
+    gPins1.reset();
+    gPins2.reset();
     CMN_FreeList(list);
 }
 

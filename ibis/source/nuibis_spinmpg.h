@@ -26,6 +26,9 @@ int SPINMPG_ReadLine(std::string_view text, int headerColumns, SPINMPG** out);
 void SPINMPG_Add(SPINMPG*& list, SPINMPG* mapping);
 void SPINMPG_Free(SPINMPG* list);
 
+/// True if the pin stands in the list, in either column.
+bool SPINMPG_Has(const SPINMPG* list, std::string_view pin);
+
 /// At the end of the file: the pins exist, and each model is a series model that fits the presence of a
 /// function group. The lookup marks a model as referenced.
 void SPINMPG_CheckAll(const SPINMPG* list, PIN* pins, const char* component, const SSWCH* groups);

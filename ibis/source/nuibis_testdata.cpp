@@ -241,3 +241,19 @@ void TESTDATA_CheckAll(const TESTDATA* list)
         CheckLoad(*list, root->pTestLoads);
     }
 }
+
+void TESTDATA_CheckDriver(std::string_view model)
+{
+    ibis* root = nullptr;
+    if (!IBIS_GetCurrent(&root)) {
+        return;
+    }
+    for (const TESTDATA* data = root->pTestData; data != nullptr; data = data->pNext) {
+        if (model == data->szDriverModel || model == data->szDriverModelInv) {
+            CMPNT_DiffPins pins(root->pComponents, root->pModelSelectors);
+            CheckModels(*data, root->pModels, pins);
+            CheckLoad(*data, root->pTestLoads);
+            return;
+        }
+    }
+}

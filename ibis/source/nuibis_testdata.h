@@ -32,3 +32,5 @@ void TESTDATA_FreeList(TESTDATA* list);
 
 /// At the end of the file: the driver models and the load exist and suit the data.
 void TESTDATA_CheckAll(const TESTDATA* list);
+/// The same for the first test data of the current root that a model drives.
+void TESTDATA_CheckDriver(std::string_view model);

@@ -74,3 +74,11 @@ enum nuibis_model_enable : std::int32_t {
     ENABLE_ACTIVE_HIGH = 2,
     ENABLE_ACTIVE_LOW = 3,
 };
+
+/// When a submodel of [Add Submodel] is active.
+enum submdl_modes : std::int32_t {
+    SUBMODE_DRIVING = 0,
+    SUBMODE_NON_DRIVING = 1,
+    SUBMODE_ALL = 2,
+    SUBMODE_NONE = 3,  ///< not given, or not understood
+};

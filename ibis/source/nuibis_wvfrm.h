@@ -8,24 +8,6 @@
 
 #include "ibis/source/nuibis_rngp.h"
 
-/// The fixture that the driver was measured in, and the voltage (V) or current (A) over time (s). A fixture
-/// value is null when it was not given; resistances in Ohm, voltages in V, capacitances in F, inductances in
-/// H.
-struct wvfrm {
-    wvfrm* pNext;  ///< next table of the same keyword
-    double* pdRFixture;
-    double* pdVFixture;
-    double* pdVFixtureMin;
-    double* pdVFixtureMax;
-    double* pdCFixture;
-    double* pdLFixture;
-    double* pdRDut;
-    double* pdLDut;
-    double* pdCDut;
-    rngp* pRows;        ///< first column is time
-    wvfrm* pComposite;  ///< [Composite Current] of this waveform, null when none
-};
-
 /// What a table is, which decides what it needs at its end.
 enum WVFRM_Mode : int {
     WVFRM_DRIVER = 0,

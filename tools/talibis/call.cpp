@@ -8,6 +8,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace
@@ -84,5 +85,15 @@ int RunCall(const std::string& function, const std::vector<std::string>& paramet
     }
     std::cout << ToJson(result).dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
     qval_free_value(result);
+    return EXIT_CLEAN;
+}
+
+int RunFunctions()
+{
+    const QEL_TABLE& table = *talIbis_qel_table();
+    for (const QEL_ROW& row : std::span(table.rows, table.count)) {
+        const std::string_view parameters = talIbis_qel_parameters(row.name);
+        std::cout << row.name << " file type" << (parameters.empty() ? "" : " ") << parameters << '\n';
+    }
     return EXIT_CLEAN;
 }

@@ -72,13 +72,17 @@ int Run(int argc, char** argv)
     const CLI::App* const check = AddCheck(app, options);
     std::string function;
     std::vector<std::string> parameters;
-    AddCall(app, function, parameters);
+    const CLI::App* const call = AddCall(app, function, parameters);
+    app.add_subcommand("functions", "List the script functions and what they take");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == EXIT_CLEAN ? EXIT_CLEAN : EXIT_UNUSABLE;
     }
-    return check->parsed() ? RunCheck(options) : RunCall(function, parameters);
+    if (check->parsed()) {
+        return RunCheck(options);
+    }
+    return call->parsed() ? RunCall(function, parameters) : RunFunctions();
 }
 
 }  // namespace
