@@ -747,8 +747,8 @@ try {
         }
         auto driver = std::make_unique<ScheduledDriver>(line->szName);
         CopyDelays(*line->pDelays, *driver);
-        drivers.push_back(driver.get());
-        driver.release();
+        drivers.push_back(nullptr);  // the place first: the driver must not be lost when there is none
+        drivers.back() = driver.release();
     }
     return true;
 } catch (const std::bad_alloc&) {

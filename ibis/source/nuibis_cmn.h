@@ -247,12 +247,13 @@ int CMN_AllocBytes(void** p, std::size_t size);
 int CMN_ReallocBytes(void** p, std::size_t size);
 void CMN_Free(void* p);
 
-/// A zeroed record, or an array of them. Records are plain: they are never constructed or destroyed.
+/// A zeroed record, or an array of them, or of pointers to them. Records are plain: they are never constructed or
+/// destroyed.
 template <class T> int CMN_Alloc(T*& p, std::size_t count = 1)
 {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
     void* block = nullptr;
-    const int result = CMN_AllocBytes(&block, count * sizeof(T));
+    const int result = CMN_AllocBytes(&block, count * sizeof(T));  // NOLINT(bugprone-sizeof-expression)
     p = static_cast<T*>(block);
     return result;
 }
@@ -261,7 +262,7 @@ template <class T> int CMN_Realloc(T*& p, std::size_t count)
 {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
     void* block = p;
-    const int result = CMN_ReallocBytes(&block, count * sizeof(T));
+    const int result = CMN_ReallocBytes(&block, count * sizeof(T));  // NOLINT(bugprone-sizeof-expression)
     p = static_cast<T*>(block);
     return result;
 }
