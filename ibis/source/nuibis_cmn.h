@@ -247,8 +247,8 @@ int CMN_AllocBytes(void** p, std::size_t size);
 int CMN_ReallocBytes(void** p, std::size_t size);
 void CMN_Free(void* p);
 
-/// A zeroed record, or an array of them, or of pointers to them. Records are plain: they are never constructed or
-/// destroyed.
+/// A zeroed record, or an array of them, or of pointers to them. Records are plain: they are never
+/// constructed or destroyed.
 template <class T> int CMN_Alloc(T*& p, std::size_t count = 1)
 {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
