@@ -383,9 +383,11 @@ TEST(AmiRules, TreesThatNoTextGives)
 TEST(AmiRules, ManyPairsAreBounded)
 {
     std::string values;
-    std::string groups;
     for (int i = 0; i < 20'000; ++i) {
         values += " 1";
+    }
+    std::string groups;
+    for (int i = 0; i < 500; ++i) {
         groups += "(g (x 1)(h (y 2)))";
     }
     EXPECT_EQ(JudgeParameter("(Usage In)(Type Float)(List" + values + ")(List_Tip" + values + ")"), Lines{});

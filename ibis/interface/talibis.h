@@ -8,6 +8,7 @@
 
 #pragma once
 
+#include "ibis/interface/talibis_ami.h"
 #include "ibis/interface/talibis_query.h"
 #include "ibis/interface/talibis_symbol.h"
 #include "ibis/source/nuibis_errors.h"
@@ -233,6 +234,47 @@ class TALIBIS_API TalIbis
     /// Whether the pin stands in [Series Pin Mapping]; false for unknown names. Does not clear.
     void hasSeriesPinMapping(const char* component, const char* pin, TalIbisBooleanQueryData& flag) const;
 
+    // Algorithmic models ------------------------------------------------------------------------------------
+    //
+    // Parameters are numbered from 0 in the order of their file. The objects of a parameter file are made on
+    // first use, belong to the handle and are made anew when the file changes. In queries, a model without an
+    // [Algorithmic Model] gives status -1 and a text, and so does an index that no parameter has.
+
+    /// The model has an algorithmic model with at least one line.
+    bool isAMIModel(const char* name) const;
+    static bool isAMIModel(const nuibis_mdl* model);
+    /// Path of the 64-bit code file for the platform of this library, beside the component file `ibisPath`;
+    /// the last line of the keyword that names one counts. False, with `dllName` as it came, if none does.
+    static bool findAMI_DLL_Name(const nuibis_mdl* model, const char* ibisPath,
+                                 std::string& dllName) noexcept;
+    /// Reads the parameter file that the last line of the keyword names, beside the component file
+    /// `ibisPath`. The caller owns the result; a file with errors gives an object without a tree. Null for a
+    /// model without lines, and when memory is out.
+    static TalIbisAMI_File* readAMI_File(const nuibis_mdl* model, const char* ibisPath) noexcept;
+    /// The parameter file of a model, read on first use and when it changed since the handle was made. Null
+    /// where `readAMI_File` gives null.
+    TalIbisAMI_File* parseAMI_File(const char* name) const noexcept;
+    TalIbisAMI_File* parseAMI_File(const nuibis_mdl* model) const noexcept;
+    /// The findings in the model's parameter file; null for a model without lines.
+    const IbisErrorContainer* testAMIModel(const char* name) const;
+    const IbisErrorContainer* testAMIModel(const nuibis_mdl* model) const;
+    /// Name of the parameter file that the last line of the keyword names; empty if that is none.
+    void getAMIFileName(const char* model, TalIbisStringQueryData& result) const;
+    /// Number of parameters; 0 on any miss.
+    std::size_t getAMIParamNum(const char* model) const;
+    /// The same as text.
+    void getAMIParamNum(const char* model, TalIbisStringQueryData& result) const;
+    /// The names of the branches from the root down to a parameter.
+    void getAMIParamTree(const char* model, int index, TalIbisListQueryData& list) const;
+    /// Usage, type, word of the format, value, and where the value comes from ("Default", "Value", "User
+    /// specified"); "null" for what the file does not give.
+    void getAMIParamAttrs(const char* model, int index, TalIbisListQueryData& list) const;
+    /// The parameter as the text of a parameter file; status 1 if a word of it is not understood.
+    void getAMIParamInfo(const char* model, int index, TalIbisStringQueryData& result) const;
+    /// The values to choose from: first the labels, then the values. Status 2 for a parameter without a
+    /// format, and when there are more values than 10,000, which are then cut.
+    void getAMIDataChoices(const char* model, int index, TalIbisListQueryData& list) const;
+
   private:
     CMPNT* findComp(const char* name) const;
     nuibis_mdl* findModel(const char* name) const;
@@ -250,6 +292,8 @@ class TALIBIS_API TalIbis
                      TalIbisStringQueryData& result) const;
     void getPackageValue(const char* component, const char* corner, rng* PKG::*values,
                          TalIbisStringQueryData& result) const;
+    const TalIbisAMI_File* findAMI_File(const char* name, TalIbisQueryData& record, const char* words) const;
+    const _tagBranchStruct* findAMI_Param(const char* name, int index, TalIbisQueryData& record) const;
 
     static nuibis_model_type getModelType(const nuibis_mdl* model);
     nuibis_model_type getModelType(const char* name) const;
@@ -278,6 +322,7 @@ class TALIBIS_API TalIbis
     ibis_ver eVersion = IBIS_VER_NONE;
     IbisErrorContainer* pErrors = nullptr;
     std::int64_t tTimeStamp = 0;
+    mutable TalIbisAMI_FileList amiFiles;
 
     friend class TalIbisFileManager;
     friend class TalIbisFilter;

@@ -101,6 +101,7 @@ void TalIbisFileManager::destroyInstance()
 void TalIbisFileManager::release(TalIbis* handle)
 {
     delete handle->pErrors;
+    handle->amiFiles.destroy();
     delete handle;
 }
 

@@ -569,6 +569,17 @@ const _tagBranchStruct* AMI_Root(const _tagTree* tree)
     return tree == nullptr || tree->iCount == 0 ? nullptr : AMI_AsBranch(tree->pNodes[0]);
 }
 
+std::size_t AMI_FormatTokenCount(const _tagLeafStruct& leaf)
+{
+    // In the order of the words; 0: all.
+    static constexpr std::array<std::size_t, 10> counts{2, 4, 0, 4, 5, 5, 0, 3, 4, 4};
+    const AMI_Keyword word = AMI_FirstKeyword(leaf);
+    const auto values = static_cast<std::size_t>(leaf.iValueCount);
+    const std::size_t count =
+        AMI_IsFormat(word) ? counts[static_cast<std::size_t>(word - AMI_VALUE_FORMAT)] : 1;
+    return count == 0 ? values : std::min(count, values);
+}
+
 const _tagBranchStruct* AMI_FindBranch(const _tagBranchStruct& branch, std::string_view name)
 {
     return gBranches.find(branch, name);

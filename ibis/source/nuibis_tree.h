@@ -170,5 +170,8 @@ inline AMI_Keyword AMI_FirstKeyword(const _tagLeafStruct& leaf)
 {
     return leaf.iValueCount == 0 ? AMI_NO_KEYWORD : leaf.pValues[0].eKeyword;
 }
+/// How many values of a format leaf belong to its format, the word included: as many as the format takes, or
+/// all of a list or table, but no more than there are. 1 at most for any other word.
+std::size_t AMI_FormatTokenCount(const _tagLeafStruct& leaf);
 /// The first child branch of that name, or null. No walk: a branch is indexed when it is first looked into.
 const _tagBranchStruct* AMI_FindBranch(const _tagBranchStruct& branch, std::string_view name);
