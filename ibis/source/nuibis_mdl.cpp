@@ -773,9 +773,6 @@ void RefuseUnknown(std::string_view)
     MSG_BugLine(122, __FILE_NAME__, __LINE__);
 }
 
-// A keyword whose block is known and not read yet: its lines are consumed in silence.
-void NotBuilt(std::string_view) {}
-
 void OpenExternalModel(std::string_view)
 {
     if (gpCurModel->pExternalModel != nullptr) {
