@@ -137,7 +137,7 @@ std::string_view CMN_TrimEnd(std::string_view text);
 // Tokens --------------------------------------------------------------------------------------------------
 
 /// Most tokens that a caller may keep.
-inline constexpr int CMN_TOKEN_LIMIT = 16;
+inline constexpr int CMN_TOKEN_LIMIT = 30;
 
 /// The tokens of a line: views into it.
 struct CMN_TokenList {

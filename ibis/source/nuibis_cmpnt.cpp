@@ -1,6 +1,7 @@
 #include "ibis/source/nuibis_cmpnt.h"
 
 #include "ibis/source/nuibis_apkg.h"
+#include "ibis/source/nuibis_circuit.h"
 #include "ibis/source/nuibis_cmpntemi.h"
 #include "ibis/source/nuibis_difpin.h"
 #include "ibis/source/nuibis_field.h"
@@ -8,6 +9,7 @@
 #include "ibis/source/nuibis_list.h"
 #include "ibis/source/nuibis_mdl.h"
 #include "ibis/source/nuibis_msel.h"
+#include "ibis/source/nuibis_node.h"
 #include "ibis/source/nuibis_pin.h"
 #include "ibis/source/nuibis_pinmpg.h"
 #include "ibis/source/nuibis_pkg.h"
@@ -119,6 +121,23 @@ void CloseAlternatePackages(std::string_view text)
     }
     APKG_Close(gpCurrentCmpnt->pAltPackageModels);
 }
+
+void OpenNodes(std::string_view)
+{
+    NODE_Open(gpCurrentCmpnt->pNodes);
+}
+
+void CloseNodes(std::string_view)
+{
+    NODE_CheckEmpty(*gpCurrentCmpnt);
+}
+
+void OpenCircuitCall(std::string_view text)
+{
+    CCALL_Open(text, gpCurrentCmpnt->pCircuitCalls);
+}
+
+void CloseCircuitCall(std::string_view) {}
 
 void ReadEmiKeyword(std::string_view text)
 {
@@ -249,6 +268,16 @@ void ReadAlternatePackage(std::string_view text)
     APKG_Line(gpCurrentCmpnt->pAltPackageModels, text);
 }
 
+void ReadNodes(std::string_view text)
+{
+    NODE_AddLine(text, gpCurrentCmpnt->pNodes);
+}
+
+void ReadCircuitCall(std::string_view text)
+{
+    CCALL_AddLine(text, gpCurrentCmpnt->pCircuitCalls);
+}
+
 void ReadEmiLine(std::string_view text)
 {
     CMPNTEMI_Line(LINE_DATA, geCmpntKeyword, text, &gpCurrentCmpnt->pEmi);
@@ -263,9 +292,6 @@ void RefuseData(std::string_view)
 // The keyword table ---------------------------------------------------------------------------------------
 
 using Reader = void (*)(std::string_view text);
-
-// A keyword whose table is known and not read yet: its lines are consumed in silence.
-void NotBuilt(std::string_view) {}
 
 struct Keyword {
     nuibis_keyword eCode;
@@ -286,10 +312,10 @@ constexpr std::array<Keyword, 20> KEYWORDS{{
     {KEY_SERIES_PIN_MAPPING, OpenSeriesPinMapping, ReadSeriesPinMappingLine},
     {KEY_ALTERNATE_PACKAGE_MODELS, OpenAlternatePackages, ReadAlternatePackage},
     {KEY_END_ALTERNATE_PACKAGE_MODELS, CloseAlternatePackages, RefuseData},
-    {KEY_NODE_DECLARATIONS, NotBuilt, NotBuilt},
-    {KEY_END_NODE_DECLARATIONS, NotBuilt, NotBuilt},
-    {KEY_CIRCUIT_CALL, NotBuilt, NotBuilt},
-    {KEY_END_CIRCUIT_CALL, NotBuilt, NotBuilt},
+    {KEY_NODE_DECLARATIONS, OpenNodes, ReadNodes},
+    {KEY_END_NODE_DECLARATIONS, CloseNodes, RefuseData},
+    {KEY_CIRCUIT_CALL, OpenCircuitCall, ReadCircuitCall},
+    {KEY_END_CIRCUIT_CALL, CloseCircuitCall, RefuseData},
     {KEY_BEGIN_EMI_COMPONENT, ReadEmiKeyword, ReadEmiLine},
     {KEY_END_EMI_COMPONENT, ReadEmiKeyword, ReadEmiLine},
     {KEY_PIN_EMI, ReadEmiKeyword, ReadEmiLine},
@@ -490,7 +516,7 @@ void CMPNT_Leave(nuibis_keyword newCode)
     gbManufacturerSeen = false;
 }
 
-void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl* models)
+void CMPNT_CheckOne(CMPNT* component, EXTCIRCUIT* circuits, nuibis_mdl* models)
 {
     LoadPackageModels(*component);
     if (component->pPins != nullptr) {
@@ -511,6 +537,7 @@ void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl* models)
                          component->pSeriesSwitchGroups);
     }
     SSWCH_CheckAll(component->pSeriesSwitchGroups, component->pSeriesPinMappings, component->szName);
+    CIRCUIT_CheckComponent(*component, circuits);
     CheckDiffExternal(*component, models);
     CheckAltPackages(*component);
     if (component->pEmi != nullptr) {
@@ -518,7 +545,7 @@ void CMPNT_CheckOne(CMPNT* component, EXTBLOCK*, nuibis_mdl* models)
     }
 }
 
-void CMPNT_CheckAll(CMPNT* list, EXTBLOCK* circuits, nuibis_mdl* models)
+void CMPNT_CheckAll(CMPNT* list, EXTCIRCUIT* circuits, nuibis_mdl* models)
 {
     CheckDuplicates(list);
     for (CMPNT* component = list; component != nullptr; component = component->pNext) {
@@ -546,6 +573,8 @@ void CMPNT_FreeList(CMPNT* list)
         SPINMPG_Free(component.pSeriesPinMappings);
         SSWCH_Free(component.pSeriesSwitchGroups);
         APKG_Free(component.pAltPackageModels);
+        NODE_FreeList(component.pNodes);
+        CCALL_FreeList(component.pCircuitCalls);
         CMPNTEMI_Free(component.pEmi);
     });
 }

@@ -16,11 +16,11 @@ struct SSWCH;
 struct SPINMPG;
 struct APKG;
 struct NODELIST;
-struct CIRCUITCALL;
+struct CCALL;
 struct CMPNTEMI;
 struct msel;
 struct nuibis_mdl;
-struct EXTBLOCK;
+struct EXTCIRCUIT;
 
 /// Where a component's timing and its silicon are measured.
 enum CMPNT_Location : int {
@@ -51,7 +51,7 @@ struct CMPNT {
     SPINMPG* pSeriesPinMappings;  ///< [Series Pin Mapping]
     APKG* pAltPackageModels;      ///< [Alternate Package Models]
     NODELIST* pNodes;             ///< [Node Declarations]
-    CIRCUITCALL* pCircuitCalls;   ///< [Circuit Call]
+    CCALL* pCircuitCalls;         ///< [Circuit Call], newest first
     CMPNTEMI* pEmi;               ///< [Begin EMI Component]
 };
 
@@ -60,9 +60,9 @@ void CMPNT_Line(line_type lineType, nuibis_keyword code, std::string_view text);
 void CMPNT_Leave(nuibis_keyword newCode);
 
 /// The end-of-file checks of all components.
-void CMPNT_CheckAll(CMPNT* list, EXTBLOCK* circuits, nuibis_mdl* models);
+void CMPNT_CheckAll(CMPNT* list, EXTCIRCUIT* circuits, nuibis_mdl* models);
 /// The same checks for one component.
-void CMPNT_CheckOne(CMPNT* component, EXTBLOCK* circuits, nuibis_mdl* models);
+void CMPNT_CheckOne(CMPNT* component, EXTCIRCUIT* circuits, nuibis_mdl* models);
 /// Exact comparison, first match of the list; null if absent.
 CMPNT* CMPNT_Find(CMPNT* list, std::string_view name);
 void CMPNT_FreeList(CMPNT* list);

@@ -2,6 +2,7 @@
 
 #include "ibis/source/nuibis_acdc.h"
 #include "ibis/source/nuibis_algmod.h"
+#include "ibis/source/nuibis_circuit.h"
 #include "ibis/source/nuibis_cmpnt.h"
 #include "ibis/source/nuibis_drvsh.h"
 #include "ibis/source/nuibis_ebdmdl.h"
@@ -151,6 +152,7 @@ void IBIS_Free(ibis* root)
     HDR_FreeList(root->pHeaders);
     CMPNT_FreeList(root->pComponents);
     MDL_FreeList(root->pModels);
+    CIRCUIT_FreeList(root->pCircuits);
     SUBMDL_FreeList(root->pSubmodels);
     PKGMDL_FreeList(root->pPackageModels);
     EBDMDL_FreeList(root->pBoards);

@@ -8,7 +8,7 @@
 struct HDR;
 struct CMPNT;
 struct nuibis_mdl;
-struct EXTBLOCK;
+struct EXTCIRCUIT;
 struct submdl;
 struct PKGMDL;
 struct EBDMDL;
@@ -24,7 +24,7 @@ struct ibis {
     HDR* pHeaders;           ///< [IBIS Ver] and the other header keywords; normally one
     CMPNT* pComponents;      ///< [Component]
     nuibis_mdl* pModels;     ///< [Model]
-    EXTBLOCK* pCircuits;     ///< [External Circuit]
+    EXTCIRCUIT* pCircuits;   ///< [External Circuit]
     submdl* pSubmodels;      ///< [Submodel]
     PKGMDL* pPackageModels;  ///< [Define Package Model]
     EBDMDL* pBoards;         ///< [Begin Board Description]

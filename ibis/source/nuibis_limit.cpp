@@ -167,6 +167,9 @@ void CheckPins(const CMPNT& component)
 // A node is one net of its own.
 void CheckNodes(const CMPNT& component)
 try {
+    if (component.pNodes == nullptr || component.pNodes->pszName == nullptr) {
+        return;  // the keyword alone declares nothing
+    }
     CMN_Set<std::string_view> names;
     for (const NODELIST* node = component.pNodes; node != nullptr; node = node->pNext) {
         if (!names.insert(node->pszName).second) {

@@ -4,6 +4,7 @@
 #include "ibis/source/nuibis_ccorner.h"
 #include "ibis/source/nuibis_crv.h"
 #include "ibis/source/nuibis_drvsh.h"
+#include "ibis/source/nuibis_extblock.h"
 #include "ibis/source/nuibis_field.h"
 #include "ibis/source/nuibis_ibis.h"
 #include "ibis/source/nuibis_idly.h"
@@ -772,8 +773,21 @@ void RefuseUnknown(std::string_view)
     MSG_BugLine(122, __FILE_NAME__, __LINE__);
 }
 
-// A keyword whose block is known and not read yet: its lines are consumed in silence.
-void NotBuilt(std::string_view) {}
+void OpenExternalModel(std::string_view)
+{
+    if (gpCurModel->pExternalModel != nullptr) {
+        MSG_ErrorLine(119, "[External_Model]", gpCurModel->szName);
+    } else {
+        gpCurModel->pExternalModel = EXT_New();
+    }
+}
+
+void ReadExternalModel(std::string_view text)
+{
+    if (gpCurModel->pExternalModel != nullptr) {
+        EXT_Line(text, *gpCurModel->pExternalModel, gpCurModel);
+    }
+}
 
 void OpenAlgorithmicModel(std::string_view text)
 {
@@ -818,7 +832,7 @@ struct Keyword {
 };
 
 constexpr auto KEYWORDS = std::to_array<Keyword>({
-    {KEY_EXTERNAL_MODEL, NotBuilt, NotBuilt, nullptr},
+    {KEY_EXTERNAL_MODEL, OpenExternalModel, ReadExternalModel, nullptr},
     {KEY_END_EXTERNAL_MODEL, NoAction, RefuseUnknown, nullptr},
     {KEY_MODEL, ReadName, ReadSubparameter, CloseSubparameters},
     {KEY_INITIAL_DELAY_OLD, NoAction, ReadOldDelay, nullptr},
@@ -915,6 +929,7 @@ void FreeContent(nuibis_mdl& model)
     CCORNER_Free(model.pCCompCorner);
     IDLY_Free(model.pInitialDelay);
     CMN_Release(model.pEmiModel);
+    EXT_Free(model.pExternalModel);
     ALGMOD_Free(model.pAlgorithmicModel);
 }
 
@@ -965,6 +980,11 @@ void MDL_Line(line_type lineType, nuibis_keyword code, std::string_view text)
 void MDL_Leave(nuibis_keyword newCode)
 {
     if (gpCurModel == nullptr) {
+        return;
+    }
+    // The block has lines of its own grammar: without its end, nothing after it can be trusted to the model.
+    if (geModelKeyword == KEY_EXTERNAL_MODEL && EXT_LeaveModel(newCode, *gpCurModel) != 0) {
+        MSG_ErrorLine(123);
         return;
     }
     const Keyword* const keyword = FindKeyword(geModelKeyword);

@@ -1,5 +1,6 @@
 #include "ibis/source/nuibis_parse.h"
 
+#include "ibis/source/nuibis_circuit.h"
 #include "ibis/source/nuibis_cmn.h"
 #include "ibis/source/nuibis_cmpnt.h"
 #include "ibis/source/nuibis_ebdmdl.h"
@@ -209,6 +210,7 @@ constexpr std::array BOARDS{DROPPED, NOT_IN_IBS, NOT_IN_PKG, ADMITTED};
 constexpr std::array CIRCUITS{DROPPED, ADMITTED, NOT_IN_PKG, NOT_IN_PKG};  // the wording is that of a package file
 
 constexpr Module CMPNT{CMPNT_Init, CMPNT_Line, CMPNT_Leave};
+constexpr Module CIRCUIT{CIRCUIT_Init, CIRCUIT_Line, nullptr};
 constexpr Module MDL{MDL_Init, MDL_Line, MDL_Leave};
 constexpr Module TESTDATA{TESTDATA_Init, TESTDATA_Line, TESTDATA_Leave};
 constexpr Module TESTLOAD{TESTLOAD_Init, TESTLOAD_Line, TESTLOAD_Leave};
@@ -218,7 +220,7 @@ constexpr Module EBDMDL{EBDMDL_Init, EBDMDL_Line, EBDMDL_Leave};
 // The first row that holds a code in a version is its group. [External Circuit] lies within the component's range.
 constexpr auto GROUPS = std::to_array<Group>({
     {KEY_IBIS_VER, KEY_COPYRIGHT, KEY_IBIS_VER, V2, V61, EVERYWHERE, {HDR_Init, HDR_Line, HDR_Leave}},
-    {KEY_EXTERNAL_CIRCUIT, KEY_END_EXTERNAL_CIRCUIT, KEY_EXTERNAL_CIRCUIT, V3, V61, CIRCUITS, NOT_BUILT},
+    {KEY_EXTERNAL_CIRCUIT, KEY_END_EXTERNAL_CIRCUIT, KEY_EXTERNAL_CIRCUIT, V3, V61, CIRCUITS, CIRCUIT},
     {KEY_COMPONENT, KEY_PIN_DOMAIN_EMI, KEY_COMPONENT, V2, IBIS_VER_2, IBS_ONLY_2, CMPNT},
     {KEY_COMPONENT, KEY_PIN_DOMAIN_EMI, KEY_COMPONENT, V3, V61, IBS_ONLY, CMPNT},
     {KEY_EXTERNAL_MODEL, KEY_INITIAL_DELAY, KEY_MODEL, V2, IBIS_VER_2, IBS_ONLY_2, MDL},
