@@ -639,7 +639,7 @@ const _tagBranchStruct* TalIbisAMI_File::getIndexedParamBranch(const std::vector
 }
 
 void TalIbisAMI_File::setParamValue(const TalIbisAMI_ParamDef* definition, TalIbisAMI_Value& value,
-                                    const char* text) noexcept
+                                    const char* text)
 {
     value.clearValue();
     switch (definition->getDataType()) {

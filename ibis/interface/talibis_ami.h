@@ -289,7 +289,7 @@ class TALIBIS_API TalIbisAMI_File
     const _tagBranchStruct* getIndexedParamBranch(const std::vector<int>& path) const;
     /// Sets a value from a text by the type of a definition; a table or no type leaves the value empty.
     static void setParamValue(const TalIbisAMI_ParamDef* definition, TalIbisAMI_Value& value,
-                              const char* text) noexcept;
+                              const char* text);
     /// For people: the tree with its parameters.
     void output(std::ostream& out) const;
 

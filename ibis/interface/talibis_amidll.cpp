@@ -433,6 +433,6 @@ try {
                OutputReader(params, std::span(tokens).subspan(2), warnings, errorText).read(*topNode);
     }
     return false;
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return false;
 }

@@ -183,7 +183,7 @@ void TalIbisAMI_TableValue::setStringValue(const char* text) noexcept
 std::string TalIbisAMI_TableValue::toString() const noexcept
 try {
     return std::visit(PlainText(), payload);
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return {};
 }
 
@@ -372,7 +372,7 @@ void TalIbisAMI_Value::setStringValue(const char* text) noexcept
 std::string TalIbisAMI_Value::toString() const noexcept
 try {
     return std::visit(ExchangeText(), payload);
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return {};
 }
 

@@ -196,7 +196,7 @@ class TALIBIS_API TalIbisAMI_Value
     }
     void setDjRjValue(double minDj, double maxDj, double sigma) { payload = AMI_DjRj(minDj, maxDj, sigma); }
     /// Takes the table over.
-    void setTableValue(AMI_Table&& table) noexcept { payload = std::move(table); }
+    void setTableValue(AMI_Table&& table) { payload.emplace<AMI_Table>(std::move(table)); }
     void clearValue() { payload = std::monostate(); }
 
     /// The text that passes to the code file: a number, "True" or "False", a string within double quotes, the

@@ -176,8 +176,6 @@ struct Module {
     void (*leave)(nuibis_keyword newCode);  // null where a group has nothing to finish
 };
 
-// A group whose keywords are known and not read yet: its lines are consumed in silence.
-constexpr Module NOT_BUILT{nullptr, nullptr, nullptr};
 
 // What a group's head keyword gets in a file of some type. Lines of a group that is not admitted are dropped
 // without a word after the head was refused.
