@@ -291,7 +291,7 @@ void TalIbis::getVersionString(TalIbisStringQueryData& result) const
             result.setData("Filename is not given");
             return;
         }
-        CMN_Path path;
+        CMN_Path path{};
         CMN_CopyText(path, pszFileName);
         std::replace(path.begin(), path.end(), '\\', '/');
         CMN_Stream stream;

@@ -159,7 +159,7 @@ bool TalIbisFileManager::readIbisFile(const char* name, ibis_file_type type, ibi
         AddEntryError("ERROR - IBIS filename is not given.\n");
         return false;
     }
-    CMN_Path path;
+    CMN_Path path{};
     SlashName(path, name);
     if (!validateFile(path.data(), type)) {
         return false;
@@ -252,7 +252,7 @@ void talSetCautions(bool on)
 const IbisErrorContainer* talReadParameterFile(const char* name, ibis_file_type type)
 {
     MSG_GetContainer()->clear();
-    CMN_Path path;
+    CMN_Path path{};
     SlashName(path, name);
     geIbisVersion = IBIS_VER_6_1;
     return TalIbisFileManager::doReadIbisFile(path.data(), type) ? MSG_GetContainer() : nullptr;

@@ -268,7 +268,7 @@ int CMN_OpenFile(std::string_view name, ibis_file_type type, CMN_Stream& stream,
     if (const ExtensionRule* rule = ExtensionOf(type); rule != nullptr && !CompleteName(baseName, *rule)) {
         return 0;
     }
-    CMN_Path path;
+    CMN_Path path{};
     if (!JoinPath(View(gszDirectory), baseName.data(), path)) {
         MSG_Error(1904);
         return 0;
@@ -282,7 +282,7 @@ int CMN_OpenFile(std::string_view name, ibis_file_type type, CMN_Stream& stream,
 
 int CMN_FileExists(std::string_view name)
 {
-    CMN_Path path;
+    CMN_Path path{};
     if (!JoinPath(View(gszDirectory), name, path)) {
         return 0;
     }
