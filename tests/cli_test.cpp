@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <sys/wait.h>
@@ -143,4 +145,14 @@ TEST(CommandLine, WrongUsageIsOneClearLine)
     }
     EXPECT_EQ(RunTalibis("--help").status, 0);
     EXPECT_TRUE(RunTalibis("--version").out.starts_with("talibis "));
+}
+
+// docs/keywords.md is written by the command.
+TEST(CommandLine, KeywordsAreThoseOfTheDocument)
+{
+    std::ifstream file(std::string(TALIBIS_SOURCE_DIR) + "/docs/keywords.md");
+    const std::string document{std::istreambuf_iterator<char>(file), {}};
+    const Result result = RunTalibis("keywords");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, document);
 }

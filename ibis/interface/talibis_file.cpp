@@ -166,7 +166,7 @@ bool TalIbisFileManager::readIbisFile(const char* name, ibis_file_type type, ibi
     }
     int lines = 0;
     const ibis_ver sniffed = CMN_SniffVersion(path.data(), &lines, type);
-    if (type == IBIS_FILE_EBD && (sniffed == IBIS_VER_1 || sniffed == IBIS_VER_2)) {
+    if (sniffed != IBIS_VER_NONE && !CMN_HasFileType(sniffed, type)) {
         AddEntryError("ERROR - Version not valid for .ebd files.\n");
         return false;
     }

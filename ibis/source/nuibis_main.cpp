@@ -127,7 +127,7 @@ int IBIS_Main(int argc, const char* const* argv)
     if (version == IBIS_VER_NONE) {
         return lines == 0 ? EXIT_NO_LINE : EXIT_NO_VERSION;
     }
-    if (version <= IBIS_VER_2 && request.eType == IBIS_FILE_EBD) {
+    if (!CMN_HasFileType(version, request.eType)) {
         return EXIT_NO_VERSION;
     }
     return version == IBIS_VER_1 ? ReadOldFile(argv[0], request.pszName) : ReadFile(request);

@@ -233,10 +233,10 @@ constexpr auto GROUPS = std::to_array<Group>({
 });
 // clang-format on
 
-const Group* GroupOf(nuibis_keyword code)
+const Group* GroupOf(nuibis_keyword code, ibis_ver version = geIbisVersion)
 {
-    const auto* const row = std::find_if(GROUPS.begin(), GROUPS.end(), [code](const Group& g) {
-        return code >= g.eFirst && code <= g.eLast && geIbisVersion >= g.eFrom && geIbisVersion <= g.eTo;
+    const auto* const row = std::find_if(GROUPS.begin(), GROUPS.end(), [code, version](const Group& g) {
+        return code >= g.eFirst && code <= g.eLast && version >= g.eFrom && version <= g.eTo;
     });
     return row == GROUPS.end() ? nullptr : row;
 }
@@ -248,32 +248,62 @@ const Admission& AdmissionOf(const Group& group, ibis_file_type type)
 
 // Recognising a keyword -----------------------------------------------------------------------------------
 
+bool IsInPackageModel(nuibis_keyword old)
+{
+    return old >= KEY_DEFINE_PACKAGE_MODEL && old <= KEY_DESCRIPTION;
+}
+
+bool IsInBoard(nuibis_keyword old)
+{
+    return old == KEY_BEGIN_BOARD_DESCRIPTION || old == KEY_EBD_MANUFACTURER;
+}
+
+bool IsBoardFile(nuibis_keyword)
+{
+    return geFileType == IBIS_FILE_EBD;
+}
+
+bool IsInSubmodel(nuibis_keyword)
+{
+    return gbInSubmodel;
+}
+
 // Of the texts that serve several keywords, the place of the line decides which one is meant.
+struct Meaning {
+    nuibis_keyword eFirst;  // of the codes that the keyword table gives
+    nuibis_keyword eLast;
+    nuibis_keyword eMeant;  // for the first of them; the others follow it
+    bool (*isMeant)(nuibis_keyword old);
+
+    bool concerns(nuibis_keyword code) const { return code >= eFirst && code <= eLast; }
+    nuibis_keyword of(nuibis_keyword code) const
+    {
+        return static_cast<nuibis_keyword>(code - eFirst + eMeant);
+    }
+};
+
+constexpr std::array<Meaning, 6> MEANINGS{{
+    {KEY_MANUFACTURER, KEY_MANUFACTURER, KEY_PKG_MANUFACTURER, IsInPackageModel},
+    {KEY_MANUFACTURER, KEY_MANUFACTURER, KEY_EBD_MANUFACTURER, IsInBoard},
+    {KEY_NUMBER_OF_PINS, KEY_NUMBER_OF_PINS, KEY_EBD_NUMBER_OF_PINS, IsBoardFile},
+    {KEY_PULLDOWN, KEY_POWER_CLAMP, KEY_SUB_PULLDOWN, IsInSubmodel},
+    {KEY_RAMP, KEY_FALLING_WAVEFORM, KEY_SUB_RAMP, IsInSubmodel},
+    {KEY_INITIAL_DELAY, KEY_INITIAL_DELAY, KEY_SUB_INITIAL_DELAY, IsInSubmodel},
+}};
+
 nuibis_keyword Remap(nuibis_keyword code, nuibis_keyword old)
 {
-    if (code == KEY_MANUFACTURER) {
-        if (old >= KEY_DEFINE_PACKAGE_MODEL && old <= KEY_DESCRIPTION) {
-            return KEY_PKG_MANUFACTURER;
-        }
-        if (old == KEY_BEGIN_BOARD_DESCRIPTION || old == KEY_EBD_MANUFACTURER) {
-            return KEY_EBD_MANUFACTURER;
-        }
-    }
-    if (code == KEY_NUMBER_OF_PINS && geFileType == IBIS_FILE_EBD) {
-        return KEY_EBD_NUMBER_OF_PINS;
-    }
-    if (gbInSubmodel) {
-        if (code >= KEY_PULLDOWN && code <= KEY_POWER_CLAMP) {
-            return static_cast<nuibis_keyword>(code - KEY_PULLDOWN + KEY_SUB_PULLDOWN);
-        }
-        if (code >= KEY_RAMP && code <= KEY_FALLING_WAVEFORM) {
-            return static_cast<nuibis_keyword>(code - KEY_RAMP + KEY_SUB_RAMP);
-        }
-        if (code == KEY_INITIAL_DELAY) {
-            return KEY_SUB_INITIAL_DELAY;
-        }
-    }
-    return code;
+    const auto* const row = std::find_if(MEANINGS.begin(), MEANINGS.end(), [=](const Meaning& meaning) {
+        return meaning.concerns(code) && meaning.isMeant(old);
+    });
+    return row == MEANINGS.end() ? code : row->of(code);
+}
+
+// [End] belongs to no group: the driver reads it itself, in every file.
+bool IsAdmitted(nuibis_keyword code, ibis_ver version, ibis_file_type type)
+{
+    const Group* const group = GroupOf(code, version);
+    return code == END || (group != nullptr && AdmissionOf(*group, type).bAdmitted);
 }
 
 // Dispatch ------------------------------------------------------------------------------------------------
@@ -545,6 +575,17 @@ int ReadTextPass(const char* name, ibis_file_type type)
 std::span<const PARSE_Keyword> PARSE_GetKeywords()
 {
     return KEYWORDS;
+}
+
+bool PARSE_IsRead(const PARSE_Keyword& keyword, ibis_ver version, ibis_file_type type)
+{
+    if (version < keyword.eFirst || version > keyword.eLast || !CMN_HasFileType(version, type)) {
+        return false;
+    }
+    return IsAdmitted(keyword.eCode, version, type) ||
+           std::any_of(MEANINGS.begin(), MEANINGS.end(), [&](const Meaning& meaning) {
+               return meaning.concerns(keyword.eCode) && IsAdmitted(meaning.of(keyword.eCode), version, type);
+           });
 }
 
 int PARSE_GetKeyword(std::string_view text, nuibis_keyword old, nuibis_keyword* out)

@@ -39,6 +39,9 @@ struct PARSE_Keyword {
 
 /// All keywords, in the order in which they are searched; the first match wins.
 std::span<const PARSE_Keyword> PARSE_GetKeywords();
+/// Whether files of this version (2.x and later) and type may hold the keyword, as whatever its text stands
+/// for.
+bool PARSE_IsRead(const PARSE_Keyword& keyword, ibis_ver version, ibis_file_type type);
 
 /// Recognises the keyword of a line. `old` is the keyword in force before it: of the texts that stand for
 /// several keywords, the place decides. 1, or 0 with a message and NOT_KEY.

@@ -3,6 +3,7 @@
 #include "tools/talibis/call.h"
 #include "tools/talibis/check.h"
 #include "tools/talibis/exit_status.h"
+#include "tools/talibis/keywords.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -73,6 +74,8 @@ int Run(int argc, char** argv)
     std::string function;
     std::vector<std::string> parameters;
     const CLI::App* const call = AddCall(app, function, parameters);
+    const CLI::App* const keywords = app.add_subcommand(
+        "keywords", "Print the keywords, the versions that have them and the files that may hold them");
     app.add_subcommand("functions", "List the script functions and what they take");
     try {
         app.parse(argc, argv);
@@ -82,7 +85,10 @@ int Run(int argc, char** argv)
     if (check->parsed()) {
         return RunCheck(options);
     }
-    return call->parsed() ? RunCall(function, parameters) : RunFunctions();
+    if (call->parsed()) {
+        return RunCall(function, parameters);
+    }
+    return keywords->parsed() ? RunKeywords() : RunFunctions();
 }
 
 }  // namespace
