@@ -1,3 +1,7 @@
+#include "ibis/source/nuibis_circuit.h"
+
+#include "ibis/source/nuibis_cmpnt.h"
+#include "ibis/source/nuibis_ibis.h"
 #include "tests/builders.h"
 
 namespace
@@ -153,20 +157,229 @@ TEST(Circuit, NetsOfConverters)
         CallMessages(SPICE + "D_to_A in A A_gnd 0 3 1n 1n\nD_to_A in2 A B 0 3 1n 1n\nA_to_D o B A 1 2\n",
                      Call("Port_map A 1\nPort_map B n1\nPort_map in n2\nPort_map in2 n2\n") +
                          Call("Port_map A n1\nPort_map B 1\n"));
-    ASSERT_EQ(lines.size(), 7U);
-    EXPECT_EQ(lines[4],
-              "ERROR - Component <U1> Node: <n2> has a digital receiver but no digital driver\n"
-              "        [CCALL] Line 26 Node <n2>, Conflicting/Associated port = Line <8> Port <in> = "
-              "NUIBIS_DIGITAL NUIBIS_DIGITAL_RECEIVER \n"
-              "        [CCALL] Line 26 Node <n2>, Conflicting/Associated port = Line <9> Port <in2> = "
-              "NUIBIS_DIGITAL NUIBIS_DIGITAL_RECEIVER ");
-    const std::string shortOf =
-        "ERROR - CCALL Line <32> A2D Line <9> Illegal connection,\n"
-        "        2 analog reference/driver ports <A>=<n1> <B>=<1>\n"
-        "        [CCALL] Line 26 Node <n1>, Conflicting/Associated port = Line <9> Port "
-        "<B> = NUIBIS_ANALOG_DRIVER \n";
-    EXPECT_EQ(lines[5].substr(0, shortOf.size()), shortOf);
-    EXPECT_NE(lines[5].find("Line 32 Node <n1>, Conflicting/Associated port = Line <10> Port <A> = "
-                            "NUIBIS_ANALOG_REFERENCE NUIBIS_ANALOG_DRIVER \n"),
-              std::string::npos);
+    EXPECT_EQ(
+        lines,
+        (Lines{
+            "ERROR - Circuit Call Line 32 instantiates  External Circuit at 4 with Floating Internal Node "
+            "<in2> type NUIBIS_DIGITAL NUIBIS_DIGITAL_RECEIVER ",
+            "ERROR - Circuit Call Line 32 instantiates  External Circuit at 4 with Floating Internal Node "
+            "<in> type NUIBIS_DIGITAL NUIBIS_DIGITAL_RECEIVER ",
+            "ERROR - Circuit Call Line 32 instantiates  External Circuit at 4 with Floating Internal Node "
+            "<o> type NUIBIS_DIGITAL NUIBIS_DIGITAL_DRIVER ",
+            "ERROR - Circuit Call Line 26 instantiates  External Circuit at 4 with Floating Internal Node "
+            "<o> type NUIBIS_DIGITAL NUIBIS_DIGITAL_DRIVER ",
+            "ERROR - Component <U1> Node: <n2> has a digital receiver but no digital driver\n        [CCALL] "
+            "Line 26 Node <n2>, Conflicting/Associated port = Line <8> Port <in> = NUIBIS_DIGITAL "
+            "NUIBIS_DIGITAL_RECEIVER \n        [CCALL] Line 26 Node <n2>, Conflicting/Associated port = Line "
+            "<9> Port <in2> = NUIBIS_DIGITAL NUIBIS_DIGITAL_RECEIVER ",
+            "ERROR - CCALL Line <32> A2D Line <9> Illegal connection,\n        2 analog reference/driver "
+            "ports <A>=<n1> <B>=<1>\n        [CCALL] Line 26 Node <n1>, Conflicting/Associated port = Line "
+            "<9> Port <B> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 26 Node <n1>, Conflicting/Associated "
+            "port = Line <10> Port <B> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 32 Node <n1>, "
+            "Conflicting/Associated port = Line <8> Port <A> = NUIBIS_ANALOG_REFERENCE NUIBIS_ANALOG_DRIVER "
+            "\n        [CCALL] Line 32 Node <n1>, Conflicting/Associated port = Line <9> Port <A> = "
+            "NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 32 Node <n1>, Conflicting/Associated port = Line "
+            "<10> Port <A> = NUIBIS_ANALOG_REFERENCE NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 26 Node "
+            "<1>, Conflicting/Associated port = Line <8> Port <A> = NUIBIS_ANALOG_REFERENCE "
+            "NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 26 Node <1>, Conflicting/Associated port = Line <9> "
+            "Port <A> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 26 Node <1>, Conflicting/Associated port "
+            "= Line <10> Port <A> = NUIBIS_ANALOG_REFERENCE NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 32 "
+            "Node <1>, Conflicting/Associated port = Line <9> Port <B> = NUIBIS_ANALOG_DRIVER \n        "
+            "[CCALL] Line 32 Node <1>, Conflicting/Associated port = Line <10> Port <B> = "
+            "NUIBIS_ANALOG_DRIVER ",
+            "ERROR - CCALL Line <26> A2D Line <9> Illegal connection,\n        2 analog reference/driver "
+            "ports <A>=<1> <B>=<n1>\n        [CCALL] Line 26 Node <1>, Conflicting/Associated port = Line "
+            "<8> Port <A> = NUIBIS_ANALOG_REFERENCE NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 26 Node <1>, "
+            "Conflicting/Associated port = Line <9> Port <A> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line "
+            "26 Node <1>, Conflicting/Associated port = Line <10> Port <A> = NUIBIS_ANALOG_REFERENCE "
+            "NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 32 Node <1>, Conflicting/Associated port = Line <9> "
+            "Port <B> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 32 Node <1>, Conflicting/Associated port "
+            "= Line <10> Port <B> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 26 Node <n1>, "
+            "Conflicting/Associated port = Line <9> Port <B> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line "
+            "26 Node <n1>, Conflicting/Associated port = Line <10> Port <B> = NUIBIS_ANALOG_DRIVER \n        "
+            "[CCALL] Line 32 Node <n1>, Conflicting/Associated port = Line <8> Port <A> = "
+            "NUIBIS_ANALOG_REFERENCE NUIBIS_ANALOG_DRIVER \n        [CCALL] Line 32 Node <n1>, "
+            "Conflicting/Associated port = Line <9> Port <A> = NUIBIS_ANALOG_DRIVER \n        [CCALL] Line "
+            "32 Node <n1>, Conflicting/Associated port = Line <10> Port <A> = NUIBIS_ANALOG_REFERENCE "
+            "NUIBIS_ANALOG_DRIVER "}));
+}
+
+TEST(Circuit, LonelyPort)
+{
+    EXPECT_EQ(
+        CallMessages("Language SPICE\nCorner Typ f.sp amp\nPorts A_pos A_gnd\n",
+                     Call("Port_map A_pos n1\nPort_map A_gnd 1\n")),
+        (Lines{"ERROR - Component <U1> Floating Node <n1> (1 connection)\n        [CCALL] Line 23 Node <n1>, "
+               "Conflicting/Associated port = Port <A_pos> = NUIBIS_ANALOG "}));
+}
+
+// Ends that are references from the start short a receiver; a listed port that is a digital one too is both.
+TEST(Circuit, EndsWithinACircuit)
+{
+    EXPECT_EQ(CallMessages(SPICE + "A_to_D o A_gnd A_gnd 0 1\nD_to_A A B A_gnd 0 3 1n 1n\n",
+                           Call("Port_map B n1\n")),
+              (Lines{"ERROR - CCALL Line <25> A2D Line <8> Illegal connection, 2 analog reference/driver "
+                     "ports <A_gnd>=<> <A_gnd>=<>",
+                     "ERROR - Internal Node <A>, External Circuit at 4: is analog and digital",
+                     "ERROR - Circuit Call Line 25 instantiates  External Circuit at 4 with Floating "
+                     "Internal Node <o> type NUIBIS_DIGITAL NUIBIS_DIGITAL_DRIVER "}));
+}
+
+// The digital end of a receiver that bears the name of its analog end is the same end.
+TEST(Circuit, EndsOfOneName)
+{
+    EXPECT_EQ(
+        CallMessages(SPICE + "A_to_D A A B 0 1\n", Call("Port_map A 1\nPort_map B 2\n")),
+        (Lines{
+            "ERROR - [EXTERNAL CIRCUIT] <>: corner <Typ> Port <A>: used as digital and analog ",
+            "PROGRAM BUG - should not be here <A> <8>",
+            "ERROR - Component U1 Node <1>: is analog and digital\n        [CCALL] Line 24 Node <1>, "
+            "Conflicting/Associated port = Line <8> Port <A> = NUIBIS_DIGITAL_DRIVER NUIBIS_ANALOG_RECEIVER",
+            "ERROR - Component <U1> Node: <1> has a digital driver but no digital receiver\n        [CCALL] "
+            "Line 24 Node <1>, Conflicting/Associated port = Line <8> Port <A> = NUIBIS_DIGITAL_DRIVER "
+            "NUIBIS_ANALOG_RECEIVER",
+            "ERROR - Component <U1> Pin <1> Used as Digital in CIRCUIT CALL(s)(pins are analog)\n        "
+            "[CCALL] Line 24 Node <1>, Conflicting/Associated port = Line <8> Port <A> = "
+            "NUIBIS_DIGITAL_DRIVER "}));
+}
+
+// What Port_type rows make of the ports, once they are admitted; and the directions of analog nets.
+TEST(Circuit, DirectionsOfAnalogNets)
+{
+    gbPortTypeAllowed = true;
+    gbAnalogNetChecks = true;
+    const std::string block = "Language VHDL-AMS\nCorner Typ f.vhd amp\nPorts A B\n"
+                              "Port_type R NUIBIS_ANALOG_RECEIVER\nPort_type D NUIBIS_ANALOG_DRIVER\n"
+                              "Port_type A other\nPort_type I DIGITAL_BI\nPort_type X ANALOG_BI\n";
+    const Lines ams = CallMessages(block, Call("Port_map A n1\nPort_map R n2\nPort_map D n3\n") +
+                                              Call("Port_map A n2\nPort_map B n3\n"));
+    const Lines plain = CallMessages(block, Call("Port_map R n1\nPort_map D n2\nPort_map X n3\n"));
+    const Lines mixed = CallMessages(block, Call("Port_map R n1\nPort_map A n1\nPort_map I n1\n"));
+    gbPortTypeAllowed = false;
+    gbAnalogNetChecks = false;
+    EXPECT_EQ(
+        ams,
+        (Lines{"ERROR - Circuit Call Line 28 instantiates  External Circuit at 4 with Floating Internal Node "
+               "<B> type NUIBIS_AMS_UNKNOWN ",
+               "ERROR - Component <U1> Floating Node <n1> (1 connection)",
+               "ERROR - Component <U1> Node: <n1> has no defined drivers\n        [CCALL] Line 28 Node <n1>, "
+               "Conflicting/Associated port = Port <A> = NUIBIS_AMS_UNKNOWN ",
+               "ERROR - Component <U1> Node: <n2> has no defined drivers\n        [CCALL] Line 28 Node <n2>, "
+               "Conflicting/Associated port = Port <R> = NUIBIS_ANALOG_RECEIVER\n        [CCALL] Line 33 "
+               "Node <n2>, Conflicting/Associated port = Port <A> = NUIBIS_AMS_UNKNOWN ",
+               "WARNING - Component <U1> Node: <n3> has a analog driver but no obvious analog receiver\n     "
+               "   This indicates connection to a AMS port that 'may' be analog \n        [CCALL] Line 28 "
+               "Node <n3>, Conflicting/Associated port = Port <D> = NUIBIS_ANALOG_DRIVER \n        [CCALL] "
+               "Line 33 Node <n3>, Conflicting/Associated port = Port <B> = NUIBIS_AMS_UNKNOWN "}));
+    EXPECT_EQ(
+        plain,
+        (Lines{"ERROR - Circuit Call Line 28 instantiates  External Circuit at 4 with Floating Internal Node "
+               "<B> type NUIBIS_AMS_UNKNOWN ",
+               "ERROR - Circuit Call Line 28 instantiates  External Circuit at 4 with Floating Internal Node "
+               "<A> type NUIBIS_AMS_UNKNOWN ",
+               "WARNING - Component <U1> Unused Node <n1> (0 connection)",
+               "ERROR - Component <U1> Node: <n1> has a analog receiver but no analog driver\n        "
+               "[CCALL] Line 28 Node <n1>, Conflicting/Associated port = Port <R> = NUIBIS_ANALOG_RECEIVER",
+               "WARNING - Component <U1> Unused Node <n2> (0 connection)",
+               "ERROR - Component <U1> Node: <n2> has a analog driver but no analog receiver\n        "
+               "[CCALL] Line 28 Node <n2>, Conflicting/Associated port = Port <D> = NUIBIS_ANALOG_DRIVER ",
+               "WARNING - Component <U1> Unused Node <n3> (0 connection)"}));
+    EXPECT_EQ(
+        mixed,
+        (Lines{
+            "ERROR - Circuit Call Line 28 instantiates  External Circuit at 4 with Floating Internal Node "
+            "<B> type NUIBIS_AMS_UNKNOWN ",
+            "ERROR - Component U1 Node <n1>: is analog and digital\n        [CCALL] Line 28 Node <n1>, "
+            "Conflicting/Associated port = Port <R> = NUIBIS_ANALOG_RECEIVER\n        [CCALL] Line 28 Node "
+            "<n1>, Conflicting/Associated port = Port <I> = NUIBIS_DIGITAL_DRIVER NUIBIS_DIGITAL_RECEIVER ",
+            "WARNING - Component <U1> Node: <n1> has a analog receiver but no obvious analog driver\n        "
+            "This indicates connection to a AMS port that 'may' be analog \n        [CCALL] Line 28 Node "
+            "<n1>, Conflicting/Associated port = Port <R> = NUIBIS_ANALOG_RECEIVER\n        [CCALL] Line 28 "
+            "Node <n1>, Conflicting/Associated port = Port <A> = NUIBIS_AMS_UNKNOWN \n        [CCALL] Line "
+            "28 Node <n1>, Conflicting/Associated port = Port <I> = NUIBIS_DIGITAL_DRIVER "
+            "NUIBIS_DIGITAL_RECEIVER "}));
+}
+
+TEST(Circuit, LongNames)
+{
+    const std::string name(130, 'n');
+    const std::string file = CircuitFile(
+        AMS, "[Circuit Call] " + name + "\nSignal_pin " + name + "\nDiff_signal_pins " + name + " " + name +
+                 " " + name + "\nPort_map " + name + " " + name + "\n" + name + "\n[End Circuit Call]\n");
+    EXPECT_EQ(MessagesWith("", file),
+              (Lines{"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+                     "ERROR (line   23) - Exceeds 120 chararacters.",
+                     "ERROR (line   23) - Circuit Call string '" + name +
+                         "' is too long, truncating to 40 characters.",
+                     "ERROR (line   24) - Exceeds 120 chararacters.",
+                     "ERROR (line   24) - Extra Charaters on PIN line <" + name + ">",
+                     "ERROR (line   25) - Exceeds 120 chararacters.",
+                     "ERROR (line   25) - Extra Charaters on PIN line <" + name + ">",
+                     "ERROR (line   25) - Too Many Signal Pins (only one instance of Signal_pin, "
+                     "Diff_signal_pins, or Series_pins is allowed) <" +
+                         name + ">",
+                     "ERROR (line   25) - Extra Charaters on PIN line <" + name + ">",
+                     "ERROR (line   26) - Exceeds 120 chararacters.",
+                     "ERROR (line   26) - Illegal parameter <" + name + ">",
+                     "ERROR (line   26) - Illegal parameter <" + name + ">",
+                     "ERROR (line   27) - Exceeds 120 chararacters.",
+                     "ERROR (line   27) - Illegal parameter <" + name + ">",
+                     "ERROR - (line 23) No [External Circuit] for [Circuit Call] " + name.substr(0, 40) +
+                         " in Component U1"}));
+    const CCALL& call = *RootOf(file)->pComponents->pCircuitCalls;
+    EXPECT_EQ(call.szCircuit, name.substr(0, 40));
+    EXPECT_EQ(call.szPin1, name.substr(0, 5));
+    EXPECT_EQ(call.szPin2, name.substr(0, 5));
+    EXPECT_EQ(call.pPortMap->szPort, name.substr(0, 40));
+    EXPECT_EQ(call.pPortMap->szPad, name.substr(0, 40));
+}
+
+TEST(Circuit, FileEndsWithin)
+{
+    const std::string file = CircuitFile("Language VHDL-AMS\nCorner Typ f c\nPorts A B\n",
+                                         "[Circuit Call]\nSignal_pin 1\nPort_map A 1\nPort_map B n1\n");
+    const auto upTo = [&](const char* part) { return file.substr(0, file.find(part)); };
+    const struct {
+        std::string file;
+        ::Lines messages;
+    } rows[] = {
+        {upTo("ode Declarations]"),
+         {"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+          "ERROR (line   19) - Keyword Missing Ending Bracket (']').",
+          "ERROR - Required keyword 'End' not found."}},
+        {upTo("\nn1 n2"),
+         {"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+          "ERROR - Required keyword 'End' not found."}},
+        {upTo("\n[End Node"),
+         {"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+          "ERROR - Required keyword 'End' not found."}},
+        {upTo("\nSignal_pin"),
+         {"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+          "ERROR (line   23) - Zero length value for keyword 'Circuit Call'.",
+          "ERROR - Required keyword 'End' not found.",
+          "ERROR - Circuit Call Line 23 instantiates  External Circuit at 4 with Floating Internal Node <B> "
+          "type NUIBIS_AMS_UNKNOWN ",
+          "ERROR - Circuit Call Line 23 instantiates  External Circuit at 4 with Floating Internal Node <A> "
+          "type NUIBIS_AMS_UNKNOWN "}},
+        {upTo(" 1\nPort_map"),
+         {"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+          "ERROR (line   23) - Zero length value for keyword 'Circuit Call'.",
+          "ERROR (line   24) - Not Enough arguments to Signal_pin",
+          "ERROR - Required keyword 'End' not found.",
+          "ERROR - Circuit Call Line 23 instantiates  External Circuit at 4 with Floating Internal Node <B> "
+          "type NUIBIS_AMS_UNKNOWN ",
+          "ERROR - Circuit Call Line 23 instantiates  External Circuit at 4 with Floating Internal Node <A> "
+          "type NUIBIS_AMS_UNKNOWN "}},
+        {upTo(" n1\n[End]"),
+         {"ERROR (line    4) - Invalid [External Model] subparameter (\"[External\")",
+          "ERROR (line   23) - Zero length value for keyword 'Circuit Call'.",
+          "ERROR (line   26) - Missing port or pad name in Port_map",
+          "ERROR - Required keyword 'End' not found.",
+          "ERROR - Circuit Call Line 23 instantiates  External Circuit at 4 with Floating Internal Node <B> "
+          "type NUIBIS_AMS_UNKNOWN "}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.file);
+        EXPECT_EQ(Unfolded(Messages(row.file)), row.messages);
+    }
 }

@@ -446,6 +446,139 @@ TEST(OldFile, PinsBeyondTheTableAreTold)
               (Lines(2, "PROGRAM BUG - Reached Maximum Pin Count On Component 'U1'")));
 }
 
+// What the first pass says of header and models comes first, what the second says of components follows; the
+// line reader's own findings come once.
+TEST(OldFile, BothPasses)
+{
+    const std::string long81(81, '|');
+    const std::string text = "[IBIS Ver] 1.0\n"
+                             "[File Name] T.ibs\n"
+                             "[Component] U1\n"
+                             " [Manufacturer] Acme\n"
+                             "[Package]\n"
+                             "R_pkg 1 1\n" +
+                             long81 +
+                             "\n[Pin] signal_name model_name\n"
+                             "1 A M\n"
+                             "2 B X\n"
+                             "[Unknown]\n"
+                             "passed over\n"
+                             "[Comment Char] !_char\n"
+                             "[Model] M ! later\n"
+                             "Model_type Output\n"
+                             "| no comment\n"
+                             "[Component] U2\n"
+                             "[Manufacturer\n"
+                             "[Pin] signal_name model_name\n"
+                             "1 A M ! fine\n"
+                             "1 A |\n"
+                             "[End] now\n"
+                             "! fine\n"
+                             "| late\n";
+    EXPECT_EQ(
+        Messages(text),
+        (Lines{At(2, "Invalid Character (\"T\") In File name"), At(4, "Keywords Must Begin In Column 1"),
+               At(7, "Exceeds 80 characters"), At(11, "Invalid Keyword"),
+               At(16, "Unknown Line Among Model Data"),
+               "ERROR - 'C_comp' Subparameter Not Defined for Model 'M'",
+               "ERROR - 'Voltage Range' Keyword Not Defined For Model 'M'",
+               "ERROR - 'Ramp' Keyword Not Defined For Model 'M'",
+               At(18, "Keyword Missing Ending Bracket (']')"), At(6, "'R_pkg' Definition Missing 'max' Data"),
+               At(10, "Model Name 'X' Undefined For Pin '2'"),
+               "ERROR - Package 'L_pkg' Subparameter Not Defined For Component 'U1'",
+               "ERROR - Package 'C_pkg' Subparameter Not Defined For Component 'U1'",
+               At(21, "Pin '1' Already Defined"),
+               "ERROR - 'Manufacturer' Keyword Not Defined For Component 'U2'",
+               "ERROR - 'Package' Keyword Not Defined For Component 'U2'",
+               At(22, "Incorrect Number of Line Items (2) For Keyword 'End': Expecting 1"),
+               At(24, "Non-Comment Line Exists After 'End' Keyword")}));
+}
+
+// The character changes at once, whatever is open.
+TEST(OldFile, CommentCharacterChangesWithin)
+{
+    const std::string change = "[Comment Char] #_char\n";
+    ExpectMessages({
+        {Old("[Source]\n" + change + "# text\n| text\n[Notes] # [Date]\n[Date] # none\n"), {}},
+        {InSubparameters(change + "Vinl = 1 # V\nVinh = 2|\n"), {At(9, "Invalid Vinh Value (\"2|\")")}},
+        {InModel("[Pulldown]\n0 0 0 0 | zero\n" + change +
+                 "1 1 1 1 # one\n# two\n2 2 2 2 | two\n[Ramp] # slopes\ndV/dt_r 1/1 1/1 1/1# up\n"
+                 "[Comment Char] |_char\ndV/dt_f 1/1 1/1 1/1| down\n"),
+         {At(13, "Incorrect Number of Line Items (6) For Pulldown Data: Expecting 4")}},
+        // both passes
+        {InPins("1 A M | 1\n" + change + "2 A M # 1\n3 A M | 1\n[Comment Char] |_char\n4 A M | 1\n"),
+         {At(18, "Incorrect Number of Line Items (5) For Pin Data: Expecting 3 or 6")}},
+    });
+}
+
+// A field of a line is kept up to 41 characters, a name up to the size of its record.
+TEST(OldFile, LongNames)
+{
+    const std::string word(850, 'w');
+    const std::string name(41, 'n');
+    const std::pair<std::string, Lines> rows[] = {
+        {"[IBIS Ver] 1.1\n[File Name] " + word + "\n[File Name] " + name + ".ibs\n[End]\n",
+         {At(2, "Maximum Item Size Exceeded"),
+          At(2, "File name (\"t.ibs\") Does Not Match Internal Name (\"\")"),
+          At(2, "File name Requires 'ibs' Extension"), At(3, "Maximum Item Size Exceeded"),
+          At(3, "File name (\"t.ibs\") Does Not Match Internal Name (\"\")"),
+          At(3, "File name Requires 'ibs' Extension")}},
+        {"[IBIS Ver] 1.1\n[File Rev] " + word + "\n[File Rev] " + name + "\n[File Rev] x\n[End]\n",
+         {At(2, "Maximum Item Size Exceeded"), At(4, "'File Rev' Keyword Already Defined")}},
+        {"[IBIS Ver] 1.1\n[Date] " + word + "\n[Date] x\n[End]\n",
+         {At(2, "Date Over 40 Characters Long"), At(3, "'Date' Keyword Already Defined")}},
+        {"[IBIS Ver] 1.1\n[" + word + "]\n[Comment Char] " + word + "\n[End]\n",
+         {At(2, "Invalid Keyword"), At(3, "Invalid Comment Character Definition")}},
+        {InSubparameters("Polarity " + word + "\nEnable " + name + "\nVinl = " + word + "\n" + word + "\n"),
+         {At(7, "Maximum Item Size Exceeded"), At(7, "Invalid Polarity (\"\") for Model 'M'"),
+          At(8, "Invalid Enable (\"" + name + "\") for Model 'M'"), At(9, "Invalid Vinl Line For Model 'M'"),
+          At(10, "Unknown Line Among Model Data")}},
+        {InModel("[Voltage Range] " + word + "\n[Pulldown] " + word + "\n" + word + " 1 1 1\n1 " + name +
+                 " 1 1\n"),
+         {At(8, "Voltage Range Already Defined For Model 'M'"), At(9, "Maximum Item Size Exceeded"),
+          At(9, "Incorrect Number of Line Items (2) For Keyword 'Pulldown': Expecting 1"),
+          At(10, "Maximum Item Size Exceeded"), At(10, "Invalid Pulldown Value (\"\")"),
+          At(11, "Invalid Pulldown Value (\"" + name + "\")")}},
+        {InModel("[Ramp] " + word + "\n" + word + " 1/1\ndV/dt_r " + word + " " + name + " 1/" + name + "\n"),
+         {At(9, "Maximum Item Size Exceeded"), At(9, "Unknown Line Among Ramp Data"),
+          At(10, "Maximum Item Size Exceeded"), At(10, "Maximum Item Size Exceeded"),
+          At(10, "Invalid dV/dt_r Value (\"\")"), At(10, "Invalid dV/dt_r Value (\"" + name + "\")"),
+          At(10, "Invalid dV/dt_r Value (\"\")"),
+          "ERROR - Ramp 'dV/dt_f' Subparameter Not Defined for Model 'M'"}},
+        {InModel("[Component] " + word + "\n[Manufacturer] " + word + "\n[Package] " + word + "\n" + word +
+                 "\nR_pkg " + word + " " + name + " 1\n[Pin] " + word + " " + name + "\n"),
+         {At(8, "Component Name Over 40 Characters Long"), At(9, "Manufacturer Name Over 40 Characters Long"),
+          At(10, "Maximum Item Size Exceeded"),
+          At(10, "Incorrect Number of Line Items (2) For Keyword 'Package': Expecting 1"),
+          At(11, "Maximum Item Size Exceeded"), At(11, "Unknown Line Among Package Data"),
+          At(12, "Maximum Item Size Exceeded"), At(12, "Invalid R_pkg Value (\"\")"),
+          At(12, "Invalid R_pkg Value (\"" + name + "\")"), At(13, "Maximum Item Size Exceeded"),
+          At(13, "Second Pin Subparameter Must Be 'signal_name'"),
+          At(13, "Third Pin Subparameter Must Be 'model_name'"),
+          "ERROR - Package 'L_pkg' Subparameter Not Defined For Component '" + word.substr(0, 40) + "'",
+          "ERROR - Package 'C_pkg' Subparameter Not Defined For Component '" + word.substr(0, 40) + "'",
+          "ERROR - 'Pin' Keyword Missing Data For Component '" + word.substr(0, 40) + "'"}},
+        {InPins(word + " A M\n1 " + word + " M\n2 A " + word + "\n" + name + " " + name + " " + name +
+                "\n3 " + name + " " + name + " " + name + " " + word + " 1\n"),
+         {At(15, "Maximum Item Size Exceeded"), At(16, "Maximum Item Size Exceeded"),
+          At(17, "Maximum Item Size Exceeded"), At(17, "Model Name '' Undefined For Pin '2'"),
+          At(18, "Pin Name Over 5 Characters Long"), At(19, "Maximum Item Size Exceeded"),
+          At(19, "Pin '3' Signal Name Over 20 Characters Long"),
+          At(19, "Pin '3' Model Name Over 20 Characters Long"),
+          At(19, "Model Name '" + name + "' Undefined For Pin '3'"), At(19, "Invalid L_pin Value (\"\")"),
+          At(19, "C_pin Over 9 Characters Long")}},
+        {InComponent("[Pin] signal_name model_name " + word + " L_pin C_pin\n1 A M\n"),
+         {At(14, "Maximum Item Size Exceeded"), At(14, "Invalid Pin Subparameter (\"\")")}},
+        {InComponent("[Pin] signal_name model_name " + name + " L_pin C_pin\n1 A M\n"),
+         {At(14, "Invalid Pin Subparameter (\"" + name + "\")")}},
+    };
+    for (const auto& [text, messages] : rows) {
+        Lines lines = Messages(text);
+        std::erase_if(lines, [](const std::string& line) { return line.find("Exceeds 80") != line.npos; });
+        EXPECT_EQ(lines, messages) << text;
+    }
+}
+
 // Without [End] the components are never read; what is open is closed with its own checks.
 TEST(OldFile, EndsAnywhere)
 {
@@ -466,6 +599,11 @@ TEST(OldFile, EndsAnywhere)
         {"[IBIS Ver] 1.1\n[Notes]\nx", {}},
         {"[IBIS Ver] 1.1\n[Component]\n[Pin]\n1", {}},
         {"[IBIS Ver] 1.1\n[Unknown]\nx", {At(2, "Invalid Keyword")}},
+        {"[IBIS Ver] 1.1\n[File Name", {At(2, "Keyword Missing Ending Bracket (']')")}},
+        {upTo(" D\nModel_type"), {At(4, "'Model' Keyword Missing name")}},
+        {upTo("/30n NA\ndV/dt_f"),
+         {At(26, "Invalid dV/dt_r Value (\"2.8\")"), At(26, "'dV/dt_r' Definition Missing 'max' Data"),
+          "ERROR - Ramp 'dV/dt_f' Subparameter Not Defined for Model 'D'"}},
         {"[IBIS Ver] 1.1\n[Comment Char]", {At(2, "Invalid Comment Character Definition")}},
     });
 }

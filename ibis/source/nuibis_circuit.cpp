@@ -21,7 +21,7 @@ template <std::size_t N> bool Fits(const char (&)[N], std::string_view text)
     return text.size() < N;
 }
 
-// A pin whose name is too long for any pin is told and cut, so that it is found nowhere.
+// A name that is too long for any pin is told, and cut to what the record holds.
 void AddPin(char (&field)[6], std::string_view pin)
 {
     if (!Fits(field, pin)) {
