@@ -1,38 +1,22 @@
 // The command line, run as a user runs it.
 
 #include "tests/builders.h"
+#include "tests/programs.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <sys/wait.h>
 
 namespace
 {
 
 using nlohmann::json;
 
-struct Result {
-    int status;
-    std::string out;
-};
-
-// Runs the program with these shell words and gives what it prints, with or without its standard error.
 Result RunTalibis(const std::string& words, bool withErrors = false)
 {
-    const std::string command =
-        std::string("'") + TALIBIS_PROGRAM + "' " + words + (withErrors ? " 2>&1" : " 2>/dev/null");
-    std::FILE* const pipe = popen(command.c_str(), "r");
-    std::string out;
-    char block[4096];
-    for (std::size_t got = 0; (got = std::fread(block, 1, sizeof block, pipe)) > 0;) {
-        out.append(block, got);
-    }
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
+    return RunProgram(TALIBIS_PROGRAM, words, withErrors);
 }
 
 std::string Quoted(const std::string& path)

@@ -1,87 +1,107 @@
-#include "ibis/source/nuibis_main.h"
-
-#include "ibis/source/nuibis_msg.h"
-#include "ibis/source/nuibis_state.h"
 #include "tests/builders.h"
+#include "tests/programs.h"
 
 namespace
 {
 
-// Calls the entry; gives its result, its summary and the stored messages.
-struct Checked {
+struct Row {
+    std::string words;
     int iResult;
-    std::string sSummary;
-    Lines messages;
-
-    explicit Checked(std::vector<std::string> arguments)
-    {
-        std::vector<const char*> argv{"check"};
-        for (const std::string& argument : arguments) {
-            argv.push_back(argument.c_str());
-        }
-        std::FILE* const stream = std::tmpfile();
-        MSG_SetSummaryStream(stream);
-        MSG_ClearContainer();
-        geIbisVersion = IBIS_VER_NONE;  // as a fresh process has it
-        iResult = IBIS_Main(static_cast<int>(argv.size()), argv.data());
-        messages = StoredMessages();
-        MSG_SetSummaryStream(stderr);
-        std::rewind(stream);
-        for (int c; (c = std::fgetc(stream)) != EOF;) {
-            sSummary += static_cast<char>(c);
-        }
-        std::fclose(stream);
-        MSG_SetSuppressCautions(true);
-        MSG_SetPlainMessages(true);
-    }
+    std::string out;  // texts, without the summary
 };
 
-}  // namespace
-
-TEST(Main, ResultsByArguments)
+Result RunEntry(const std::string& words, bool withErrors = false)
 {
-    const std::string good = WriteTestFile("main.ibs", Bare(""));
-    const std::string old = WriteTestFile("mold.ibs", "[IBIS Ver] 1.1\n");
-    const std::string oldBoard = WriteTestFile("mold.ebd", "[IBIS Ver] 2.1\n");
-    const std::string noVersion = WriteTestFile("mnone.ibs", "| text\n[Component] U1\n");
-    const std::string package = WriteTestFile("main.pkg", Header("5.1", "main.pkg") + "[End]\n");
-    const std::string parameters =
-        WriteTestFile("main.ami", "(m (Reserved_Parameters (AMI_Version (Usage Info) "
-                                  "(Type String) (Value \"5.1\"))))\n");
-    const struct {
-        std::vector<std::string> arguments;
-        int iResult;
-    } rows[] = {
-        {{}, 1},
-        {{good, "-x"}, 1},
-        {{good, good, "-pkg"}, 1},
-        {{"-Ebd", oldBoard}, 1},
-        {{"-Caution", good}, 1},
-        {{good}, 0},
-        {{"-caution", "-NUMBERED", good}, 0},
-        {{package, "-pkg"}, 0},
-        {{"-PKG", package}, 0},
-        {{"-ami", parameters}, 0},
-        {{TestFolder() + "/absent.ibs"}, 2},
-        {{noVersion}, 3},
-        {{"-ebd", oldBoard}, 3},
-        {{old}, 1},
-    };
-    for (const auto& row : rows) {
-        std::string line;
-        for (const std::string& argument : row.arguments) {
-            line += argument + ' ';
-        }
-        SCOPED_TRACE(line);
-        EXPECT_EQ(Checked(row.arguments).iResult, row.iResult);
+    return RunProgram(TALIBIS_ENTRY, words, withErrors);
+}
+
+void ExpectResults(const std::vector<Row>& rows)
+{
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.words);
+        const Result result = RunEntry(row.words);
+        EXPECT_EQ(result.status, row.iResult);
+        EXPECT_EQ(result.out, row.out);
     }
 }
 
-TEST(Main, ReadsChecksAndCounts)
+const std::string NO_COMPONENT = "ERROR - Required keyword 'Component' not found.\n";
+
+}  // namespace
+
+TEST(Main, ArgumentsAndKindsOfFiles)
 {
-    const Checked run({WriteTestFile("t.ibs", Bare(""))});
-    EXPECT_EQ(run.messages, (Lines{"ERROR - Required keyword 'Component' not found."}));
-    EXPECT_NE(run.sSummary.find("File Failed"), std::string::npos);
-    const Checked numbered({"-numbered", WriteTestFile("t.ibs", Bare(""))});
-    EXPECT_EQ(numbered.messages, Lines{});
+    const std::string good = WriteTestFile("main.ibs", Header("5.1", "main.ibs") + "[End]\n");
+    const std::string package = WriteTestFile("main.pkg", Header("5.1", "main.pkg") + "[End]\n");
+    const std::string board = WriteTestFile("main.ebd", Header("3.2", "main.ebd") + "[End]\n");
+    const std::string parameters =
+        WriteTestFile("main.ami", "(m (Reserved_Parameters (AMI_Version (Usage Info) "
+                                  "(Type String) (Value \"5.1\"))))\n");
+    ExpectResults({
+        {"", 1, ""},
+        {"-numbered", 1, ""},
+        {good, 0, NO_COMPONENT},
+        {good + " -x", 1, ""},
+        {"-x " + good, 1, ""},
+        {good + " " + good + " -pkg", 1, ""},
+        {"-Ebd " + board, 1, ""},
+        {"-Caution " + good, 1, ""},
+        {"-caution " + good, 0, NO_COMPONENT},
+        {good + " -CAUTION", 0, NO_COMPONENT},
+        {package + " -pkg", 0, ""},
+        {"-caution -PKG " + package, 0, ""},
+        {"-ebd " + board, 0, ""},
+        {board + " -EBD", 0, ""},
+        {"-ami " + parameters, 0, ""},
+        {parameters + " -AMI", 0, ""},
+    });
+}
+
+TEST(Main, FilesWithoutAVersionOfTheirKind)
+{
+    const std::string noVersion = WriteTestFile("mnone.ibs", "| text\n[Component] U1\n");
+    const std::string absent = TestFolder() + "/absent.ibs";
+    const std::string empty = WriteTestFile("mempty.ibs", "");
+    const std::string oldBoard = WriteTestFile("mold.ebd", "[IBIS Ver] 2.1\n");
+    const std::string oldestBoard = WriteTestFile("moldest.ebd", "[IBIS Ver] 1.1\n");
+    ExpectResults({
+        {absent, 2, "ERROR - Unable To Open File '" + absent + "'\n"},
+        {empty, 2, ""},
+        {noVersion, 3, ""},
+        {"-ebd " + oldBoard, 3, ""},
+        {"-ebd " + oldestBoard, 3, ""},
+    });
+}
+
+// Files of version 1.x have the result and the texts of their own reader.
+TEST(Main, OldFiles)
+{
+    const std::string bad = WriteTestFile("mold.ibs", "[IBIS Ver] 1.1\n[File Name] mold.ibs\n");
+    const std::string good = WriteTestFile(
+        "mgood.ibs", Header("1.1", "mgood.ibs") + Component("U1", "1 A M\n") + Model("M") + "[End]\n");
+    const std::string package = WriteTestFile("mold.pkg", "[IBIS Ver] 1.1\n");
+    ExpectResults({
+        {bad, 1,
+         "ERROR - Missing Keyword: File Rev\nERROR - Missing Keyword: Model\nERROR - Missing Keyword: End\n"},
+        {good, 0, ""},
+        {"-pkg " + package, 1, "ERROR - Filename Requires 'ibs' Extension.  ABORTING!!!\n"},
+    });
+}
+
+// The summary counts what the switches let through; numbered texts are stored nowhere.
+TEST(Main, SummaryAndSwitches)
+{
+    const std::string bad = WriteTestFile("t.ibs", Bare(""));
+    const std::string failed = "\nErrors  : 1\n\nFile Failed\n";
+    EXPECT_EQ(RunEntry(bad, true).out, failed + NO_COMPONENT);
+    EXPECT_EQ(RunEntry("-NumBered " + bad, true).out, failed);
+    const std::string doubtful =
+        WriteTestFile("t.ibs", Ibs("[Model] M\nModel_type I/O\nVinl = 1\nVinh = 2\nVmeas = 2\n"
+                                   "[Voltage Range] 3 3 3\n"));
+    EXPECT_EQ(RunEntry(doubtful, true).out.find("autions"), std::string::npos);
+    for (const std::string& words : {"-caution " + doubtful, doubtful + " -CAUTION"}) {
+        const std::string out = RunEntry(words, true).out;
+        EXPECT_NE(out.find("Cautions: 1\n\nFile Failed\n"), std::string::npos) << out;
+        EXPECT_NE(out.find("CAUTION - Vmeas is >= Vinh for model M\n"), std::string::npos) << out;
+    }
 }
