@@ -1,5 +1,6 @@
-// How long the judgement of a component's nets takes: 2,000 calls of a circuit of 50 ports, every port
-// mapped.
+// How long the judgement of a component's nets takes: calls of a circuit of 50 ports, every port mapped.
+// Either a few nets are shared and the digital ports left open, each with its message; or all drivers are
+// shorted, and every one has a message with the texts of two nets.
 
 #include "ibis/source/nuibis_circuit.h"
 #include "ibis/source/nuibis_cmpnt.h"
@@ -16,12 +17,13 @@ namespace
 
 constexpr int PORTS = 50;
 
-// A component whose calls share some nets and have others to themselves.
+enum class Wiring { Separate, Shorted };
+
 struct Design {
     EXTCIRCUIT* pCircuit = nullptr;
     CMPNT* pComponent = nullptr;
 
-    explicit Design(int calls)
+    Design(int calls, Wiring wiring)
     {
         CMN_Alloc(pCircuit);
         pCircuit->pBlock = EXT_New();
@@ -33,7 +35,10 @@ struct Design {
         }
         for (int port = 0; port < PORTS; port += 2) {
             const std::string name = std::to_string(port);
-            EXT_Line("D_to_A L" + name + " P" + name + " A_gnd 0 3 1n 1n", block, nullptr);
+            EXT_Line("D_to_A L" + name + " P" + name +
+                         (wiring == Wiring::Separate ? " A_gnd" : " P" + std::to_string(port + 1)) +
+                         " 0 3 1n 1n",
+                     block, nullptr);
         }
         CMN_Alloc(pComponent);
         NODE_Open(pComponent->pNodes);
@@ -41,12 +46,19 @@ struct Design {
             CCALL_Open("", pComponent->pCircuitCalls);
             pComponent->pCircuitCalls->iLine = call + 1;
             for (int port = 0; port < PORTS; ++port) {
-                const int net = port < 10 ? port : call * PORTS + port;
-                const std::string node = "N" + std::to_string(net);
+                const std::string node = "N" + std::to_string(NetOf(call, port, wiring));
                 NODE_AddLine(node, pComponent->pNodes);
                 CCALL_AddLine("Port_map P" + std::to_string(port) + " " + node, pComponent->pCircuitCalls);
             }
         }
+    }
+    // Two calls with the same nets make references of all their drivers.
+    static int NetOf(int call, int port, Wiring wiring)
+    {
+        if (wiring == Wiring::Shorted) {
+            return call / 2 * PORTS + port;
+        }
+        return port < 10 ? port : call * PORTS + port;
     }
     ~Design()
     {
@@ -57,16 +69,26 @@ struct Design {
     Design& operator=(const Design&) = delete;
 };
 
-void JudgeCalls(benchmark::State& state)
+void JudgeCalls(benchmark::State& state, Wiring wiring)
 {
-    const Design design(static_cast<int>(state.range(0)));
+    const Design design(static_cast<int>(state.range(0)), wiring);
     for (auto _ : state) {
         MSG_ClearContainer();
         CIRCUIT_CheckComponent(*design.pComponent, design.pCircuit);
     }
+    state.counters["messages"] = static_cast<double>(MSG_GetContainer()->getNumErrors());
     state.SetItemsProcessed(state.iterations() * state.range(0) * PORTS);
     MSG_ClearContainer();
 }
-BENCHMARK(JudgeCalls)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(JudgeCalls, Separate, Wiring::Separate)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(JudgeCalls, Shorted, Wiring::Shorted)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
