@@ -5,7 +5,9 @@
 #include "ibis/source/nuibis_state.h"
 #include "tests/builders.h"
 
+#include <algorithm>
 #include <fstream>
+#include <set>
 
 namespace
 {
@@ -133,12 +135,47 @@ TEST(Driver, EachFileTypeAdmitsItsGroups)
     EXPECT_EQ(refused("[Model] M", "t.pkg", "2.1"), package);
 }
 
+TEST(Driver, HeadsOfGroupsAreReadWhereTheTablesSaySo)
+{
+    const std::set<std::string_view> heads{"COMPONENT",
+                                           "MODEL",
+                                           "EXTERNAL_CIRCUIT",
+                                           "DEFINE_PACKAGE_MODEL",
+                                           "BEGIN_BOARD_DESCRIPTION",
+                                           "MODEL_SELECTOR",
+                                           "SUBMODEL",
+                                           "TEST_DATA",
+                                           "TEST_LOAD"};
+    const std::pair<ibis_ver, const char*> versions[] = {{IBIS_VER_2, "2.1"},   {IBIS_VER_3, "3.2"},
+                                                         {IBIS_VER_4, "4.2"},   {IBIS_VER_5, "5.1"},
+                                                         {IBIS_VER_6_0, "6.0"}, {IBIS_VER_6_1, "6.1"}};
+    const std::pair<ibis_file_type, const char*> types[] = {
+        {IBIS_FILE_IBS, "t.ibs"}, {IBIS_FILE_PKG, "t.pkg"}, {IBIS_FILE_EBD, "t.ebd"}};
+    for (const PARSE_Keyword& keyword : PARSE_GetKeywords()) {
+        for (const auto& [version, number] : versions) {
+            for (const auto& [type, name] : types) {
+                if (!heads.contains(keyword.sText) || (version == IBIS_VER_2 && type == IBIS_FILE_EBD)) {
+                    continue;
+                }
+                const std::string head = "[" + std::string(keyword.sText) + "] X\n[End]\n";
+                const Lines lines = Messages(Header(number, name) + head, name);
+                const bool isRefused = std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+                    return line.find("Illegal keyword for a") != line.npos ||
+                           line.find("Invalid Keyword") != line.npos;
+                });
+                EXPECT_NE(PARSE_IsRead(keyword, version, type), isRefused) << number << name << head;
+            }
+        }
+    }
+}
+
 TEST(Driver, EveryKeywordHasItsVersions)
 {
     const std::pair<ibis_ver, int> sizes[] = {{IBIS_VER_2, 50},  {IBIS_VER_3, 88},    {IBIS_VER_4, 109},
                                               {IBIS_VER_5, 121}, {IBIS_VER_6_0, 122}, {IBIS_VER_6_1, 122}};
     for (const auto& [version, size] : sizes) {
         geIbisVersion = version;
+        geFileType = IBIS_FILE_IBS;
         int known = 0;
         for (const PARSE_Keyword& keyword : PARSE_GetKeywords()) {
             if (version < keyword.eFirst || version > keyword.eLast) {
