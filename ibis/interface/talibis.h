@@ -17,13 +17,18 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 class IbisRawModelData;
+class TalIbisFilter;
 struct CMPNT;
+struct EBDMDL;
 struct PIN;
 struct PKG;
+struct PKGMDL;
 struct ccorner;
+struct ebdpathelement;
 struct ibis;
 struct mspec;
 struct msel;
@@ -220,7 +225,8 @@ class TALIBIS_API TalIbis
     // Pin relations -----------------------------------------------------------------------------------------
 
     /// Report table of the pins of a component that fit the symbol: name, signal, model. The symbol "" leaves
-    /// out pins without a buffer.
+    /// out pins without a buffer, "IBIS_Pkg" those that the component's package model lacks. The symbol "Ebd"
+    /// asks for the pins of the board, whatever the component: name, signal, nodes.
     void getPinModelList(const char* component, const char* symbol, TalIbisListQueryData& list) const;
     /// Report table of the [Diff Pin] pair that a pin stands in: threshold (V) and delays (s).
     void getDiffPin(const char* component, const char* pin, TalIbisListQueryData& list) const;
@@ -233,6 +239,43 @@ class TALIBIS_API TalIbis
     void getSeriesSwitchGroup(const char* component, TalIbisListQueryData& list) const;
     /// Whether the pin stands in [Series Pin Mapping]; false for unknown names. Does not clear.
     void hasSeriesPinMapping(const char* component, const char* pin, TalIbisBooleanQueryData& flag) const;
+
+    // Package models: [Package Model] of a component, [Define Package Model]
+    // ---------------------------------
+
+    /// "1" for a package model of sections, "2" for one of matrices, otherwise "0". A component without a
+    /// package model leaves the record as it is. Does not clear.
+    void getIbisPkgModelType(const char* component, TalIbisStringQueryData& result) const;
+    /// The path of a pin, five strings a section: depth of branching, Len, L (H), C (F), R (Ohm); L, C and R
+    /// are per unit of Len, or lumped where Len is 0. For a model of matrices, and for the first pin of any
+    /// model, "0", "0" and the pin's own L, C and R of those matrices that the model has. Does not clear on a
+    /// null name.
+    void getIbisPkgModel(const char* component, const char* pin, TalIbisListQueryData& list) const;
+    /// The part of each matrix that couples `pins`, names with blanks between them: one string a matrix, in
+    /// the order L (H), C (F), R (Ohm), its numbers row after row with a comma behind each. Does not clear on
+    /// a null name.
+    void getIbisPkgMatrixModel(const char* component, const char* pins, TalIbisListQueryData& list) const;
+
+    // Electrical boards: [Begin Board Description]
+    // ------------------------------------------------------------
+
+    /// Report table of [Reference Designator Map], newest entry first; status 1 without any.
+    void getEbdRefList(TalIbisListQueryData& list) const;
+    /// Three parallel vectors of the same. Only `refs` is emptied first; the others grow.
+    void getEbdRefListQt(std::vector<std::string>* refs, std::vector<std::string>* files,
+                         std::vector<std::string>* components) const;
+    /// The board's pins and their signals, [Pin List], in file order; both vectors are emptied first.
+    void getEbdPinListQt(std::vector<std::string>* pins, std::vector<std::string>* signals) const;
+    /// The component pins, "U1.7", that the path from a board pin reaches.
+    void getEbdNodeList(const char* path, TalIbisListQueryData& list) const;
+    /// The same into a vector, emptied first.
+    void getEbdNodeListQt(const char* path, std::vector<std::string>* nodes) const;
+    // The component pins on the branch of a Fork, behind what the result holds.
+    void EbdNodeFork(const ebdpathelement* fork, TalIbisListQueryData& list) const;
+    void EbdNodeForkQt(const ebdpathelement* fork, std::vector<std::string>* nodes) const;
+    /// The path from a board pin, six strings an element: depth of branching ("-1" opens a branch right
+    /// behind another one), name of a component or board pin, Len, L (H), C (F), R (Ohm).
+    void getIbisEbdModel(const char* path, TalIbisListQueryData& list) const;
 
     // Algorithmic models ------------------------------------------------------------------------------------
     //
@@ -282,6 +325,9 @@ class TALIBIS_API TalIbis
     PIN* findPin(const CMPNT* component, const char* name) const;
 
     submdl* findSubmodel(const char* name) const;
+    const PKGMDL* findPackageModel(const CMPNT* component) const;
+    std::unordered_set<std::string_view> packagePinsOf(const CMPNT& component) const;
+    const EBDMDL* findBoard() const;
 
     void missComponent(TalIbisQueryData& record, const char* component) const;
     CMPNT* findCompOrReportQuoted(const char* name, TalIbisQueryData& record) const;
@@ -301,6 +347,9 @@ class TALIBIS_API TalIbis
     bool isModelType(const char* name, nuibis_model_type type, bool selective) const;
     bool isModelType(const char* name, const TalIbisSymbol& symbol) const;
 
+    void getComponentPins(const CMPNT& component, std::string_view symbol, TalIbisFilter& filter,
+                          TalIbisListQueryData& list) const;
+    void getBoardPins(TalIbisListQueryData& list) const;
     bool isRepeater(const char* name, std::string_view type) const;
 
     template <class Query> void queryModel(const char* model, TalIbisQueryData& record, Query query) const;

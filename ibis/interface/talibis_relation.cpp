@@ -19,6 +19,7 @@
 #include <new>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace
 {
@@ -116,8 +117,11 @@ CMPNT* TalIbis::findCompOrReportQuoted(const char* name, TalIbisQueryData& recor
 
 void TalIbis::getPinModelList(const char* component, const char* symbol, TalIbisListQueryData& list) const
 {
-    static constexpr std::size_t dashes = 76;
     answerQuery(list, [&] {
+        if (symbol != nullptr && std::string_view(symbol) == "Ebd") {
+            getBoardPins(list);
+            return;
+        }
         const CMPNT* const found = findCompOrReportQuoted(component, list);
         if (found == nullptr) {
             return;
@@ -129,26 +133,35 @@ void TalIbis::getPinModelList(const char* component, const char* symbol, TalIbis
             return;
         }
         TalIbisFilter filter(*this, symbol);
-        if (filter.isInvalid(list)) {
-            return;
-        }
-        const bool buffersOnly = *symbol == '\0';
-        for (const PIN* pin = found->pPins; pin != nullptr; pin = pin->pNext) {
-            if (!FitsSymbol(*pin, *found, filter)) {
-                continue;
-            }
-            if (list.size() == 0) {
-                insertTitle(list,
-                            {{PIN_WIDTH, "Name"}, {MODEL_WIDTH, "Signal Name"}, {MODEL_WIDTH, "Model Name"}},
-                            dashes);
-            }
-            if (!buffersOnly || !HasNoBuffer(*pin)) {
-                insertRow(
-                    list,
-                    {{PIN_WIDTH, pin->szPin}, {MODEL_WIDTH, pin->szSignal}, {MODEL_WIDTH, pin->szModel}});
-            }
+        if (!filter.isInvalid(list)) {
+            getComponentPins(*found, symbol, filter, list);
         }
     });
+}
+
+// The title comes with the first pin that fits the symbol, also when the table then leaves that pin out.
+void TalIbis::getComponentPins(const CMPNT& component, std::string_view symbol, TalIbisFilter& filter,
+                               TalIbisListQueryData& list) const
+{
+    static constexpr std::size_t dashes = 76;
+    const bool buffersOnly = symbol.empty();
+    const bool packageOnly = symbol == "IBIS_Pkg" && component.szPackageModel[0] != '\0';
+    const std::unordered_set<std::string_view> packagePins =
+        packageOnly ? packagePinsOf(component) : std::unordered_set<std::string_view>();
+    for (const PIN* pin = component.pPins; pin != nullptr; pin = pin->pNext) {
+        if (!FitsSymbol(*pin, component, filter)) {
+            continue;
+        }
+        if (list.size() == 0) {
+            insertTitle(list,
+                        {{PIN_WIDTH, "Name"}, {MODEL_WIDTH, "Signal Name"}, {MODEL_WIDTH, "Model Name"}},
+                        dashes);
+        }
+        if ((buffersOnly && HasNoBuffer(*pin)) || (packageOnly && !packagePins.contains(pin->szPin))) {
+            continue;
+        }
+        insertRow(list, {{PIN_WIDTH, pin->szPin}, {MODEL_WIDTH, pin->szSignal}, {MODEL_WIDTH, pin->szModel}});
+    }
 }
 
 void TalIbis::getDiffPin(const char* component, const char* pin, TalIbisListQueryData& list) const
