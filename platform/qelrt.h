@@ -3,8 +3,9 @@
 #include <cstddef>
 
 // What the script functions need of the runtime of the host's extension language QEL. The operations have C
-// linkage so that the host's own runtime can take their place at link time; qelrt.cpp is a small runtime for
-// programs that have none. One thread, one call at a time.
+// linkage so that the host's own runtime can take their place: it is named when the library is configured, or
+// wins at link time. qelrt.cpp is a small runtime for programs that have none. One thread, one call at a
+// time.
 
 /// A value of the language: an integer, a string or a list. Each handle that an operation gives out is a
 /// reference of its own, released once with `qval_free_value`; the value goes with its last reference.
@@ -27,6 +28,11 @@ struct QEL_TABLE {
     const QEL_ROW* rows;
     std::size_t count;
 };
+
+// A host builds and reads values of the shared library with the functions that the library itself calls.
+#ifdef __GNUC__
+#pragma GCC visibility push(default)
+#endif
 
 extern "C" {
 
@@ -71,3 +77,7 @@ void qrun_parm_error(int code, int index, const char* text) noexcept;
 /// language, or a row without name or handler.
 int qutil_initialize(int, int, int, int, const QEL_TABLE* table) noexcept;
 }
+
+#ifdef __GNUC__
+#pragma GCC visibility pop
+#endif

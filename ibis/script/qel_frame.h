@@ -18,7 +18,12 @@ class FRAME_Value
 {
   public:
     FRAME_Value() noexcept = default;
-    ~FRAME_Value() { qval_free_value(mValue); }
+    ~FRAME_Value()
+    {
+        if (mValue != nullptr) {
+            qval_free_value(mValue);
+        }
+    }
     FRAME_Value(const FRAME_Value&) = delete;
     FRAME_Value& operator=(const FRAME_Value&) = delete;
     QVALUE* operator&() { return &mValue; }

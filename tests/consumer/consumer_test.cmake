@@ -1,0 +1,47 @@
+# One step of the test of an installed tree: STEP is "install", "find_package" or "pkg_config".
+
+set(work "${BUILD_DIR}/consumer")
+set(prefix "${work}/prefix")
+set(example "${SOURCE_DIR}/examples/buffer.ibs")
+set(consumer "${SOURCE_DIR}/tests/consumer")
+
+function(run)
+    execute_process(COMMAND ${ARGV} OUTPUT_VARIABLE out ERROR_VARIABLE out RESULT_VARIABLE result)
+    if(NOT result EQUAL 0)
+        message(FATAL_ERROR "${ARGV}\n${out}")
+    endif()
+    set(out "${out}" PARENT_SCOPE)
+endfunction()
+
+# The program prints what it should.
+function(expect_output)
+    run(${ARGV} "${example}")
+    file(READ "${consumer}/expected.txt" expected)
+    if(NOT out STREQUAL expected)
+        message(FATAL_ERROR "${ARGV} printed\n${out}\ninstead of\n${expected}")
+    endif()
+endfunction()
+
+if(STEP STREQUAL "install")
+    file(REMOVE_RECURSE "${work}")
+    run("${CMAKE_COMMAND}" --build "${BUILD_DIR}" --target ${TARGETS})
+    run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
+elseif(STEP STREQUAL "find_package")
+    run("${CMAKE_COMMAND}" -S "${consumer}" -B "${work}/build" -G "${GENERATOR}"
+        "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_BUILD_TYPE=${BUILD_TYPE}"
+        "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${FLAGS}")
+    run("${CMAKE_COMMAND}" --build "${work}/build")
+    expect_output("${work}/build/consumer_talibis")
+    expect_output("${work}/build/consumer_talibis_shared")
+elseif(STEP STREQUAL "pkg_config")
+    set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBRARY_DIR}/pkgconfig")
+    run("${PKG_CONFIG}" --cflags --libs talibis)
+    string(STRIP "${out}" options)
+    separate_arguments(options UNIX_COMMAND "${options}")
+    separate_arguments(flags UNIX_COMMAND "${FLAGS}")
+    run("${COMPILER}" ${flags} -std=c++20 "${consumer}/main.cpp" ${options} -o "${work}/consumer_pkg_config")
+    set(ENV{LD_LIBRARY_PATH} "${prefix}/${LIBRARY_DIR}")
+    expect_output("${work}/consumer_pkg_config")
+else()
+    message(FATAL_ERROR "no step '${STEP}'")
+endif()
