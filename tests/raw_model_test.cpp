@@ -99,6 +99,173 @@ TEST(RawModel, NumbersByCorner)
     rise.dTypDt = time;
 }
 
+// Every triple has numbers of its own, so that an item taken for another one shows: as numbers by corner, by
+// the model's name, and as text.
+TEST(RawModel, EachItemIsItsOwn)
+{
+    using Raw = IbisRawModelData;
+    struct Item {
+        const char* model;
+        const char* text;
+        bool (Raw::*get)(IbisDataType, double&) const;
+        bool (Raw::*getOf)(const char*, IbisDataType, double&) const;
+        void (TalIbis::*table)(const char*, TalIbisListQueryData&) const;
+        void (TalIbis::*single)(const char*, const char*, TalIbisStringQueryData&) const;
+    };
+    // clang-format off
+    const Item items[] = {
+        {"P", "C_comp", &Raw::getC_comp, &Raw::getC_comp, nullptr, &TalIbis::getC_comp},
+        {"P", "C_comp_pullup", &Raw::getC_comp_pullup, &Raw::getC_comp_pullup, nullptr, &TalIbis::getC_comp_pullup},
+        {"P", "C_comp_pulldown", &Raw::getC_comp_pulldown, &Raw::getC_comp_pulldown, nullptr, &TalIbis::getC_comp_pulldown},
+        {"P", "C_comp_power_clamp", &Raw::getC_comp_power_clamp, &Raw::getC_comp_power_clamp, nullptr, &TalIbis::getC_comp_power_clamp},
+        {"P", "C_comp_gnd_clamp", &Raw::getC_comp_gnd_clamp, &Raw::getC_comp_gnd_clamp, nullptr, &TalIbis::getC_comp_gnd_clamp},
+        {"Q", "[C Comp Corner]\nC_comp", &Raw::getC_comp, &Raw::getC_comp, nullptr, &TalIbis::getC_comp},
+        {"Q", "C_comp_pullup", &Raw::getC_comp_pullup, &Raw::getC_comp_pullup, nullptr, &TalIbis::getC_comp_pullup},
+        {"Q", "C_comp_pulldown", &Raw::getC_comp_pulldown, &Raw::getC_comp_pulldown, nullptr, &TalIbis::getC_comp_pulldown},
+        {"Q", "C_comp_power_clamp", &Raw::getC_comp_power_clamp, &Raw::getC_comp_power_clamp, nullptr, &TalIbis::getC_comp_power_clamp},
+        {"Q", "C_comp_gnd_clamp", &Raw::getC_comp_gnd_clamp, &Raw::getC_comp_gnd_clamp, nullptr, &TalIbis::getC_comp_gnd_clamp},
+        {"T", "[Voltage Range]", &Raw::getVoltageRange, nullptr, &TalIbis::getVoltageRange, nullptr},
+        {"T", "[Pullup Reference]", &Raw::getPullupRef, nullptr, &TalIbis::getPullupRef, nullptr},
+        {"T", "[Pulldown Reference]", &Raw::getPulldownRef, nullptr, &TalIbis::getPulldownRef, nullptr},
+        {"T", "[POWER Clamp Reference]", &Raw::getPowerClampRef, &Raw::getPowerClampRef, &TalIbis::getPowerClampRef, nullptr},
+        {"T", "[GND Clamp Reference]", &Raw::getGndClampRef, &Raw::getGndClampRef, &TalIbis::getGndClampRef, nullptr},
+        {"T", "[External Reference]", nullptr, nullptr, &TalIbis::getExternalRef, nullptr},
+        {"T", "[TTgnd]", &Raw::getTTgnd, &Raw::getTTgnd, &TalIbis::getTTgnd, nullptr},
+        {"T", "[TTpower]", &Raw::getTTpower, &Raw::getTTpower, &TalIbis::getTTpower, nullptr},
+        {"T", "[Rgnd]", &Raw::getRgnd, &Raw::getRgnd, &TalIbis::getRgnd, nullptr},
+        {"T", "[Rpower]", &Raw::getRpower, &Raw::getRpower, &TalIbis::getRpower, nullptr},
+        {"T", "[Rac]", &Raw::getRac, &Raw::getRac, &TalIbis::getRac, nullptr},
+        {"T", "[Cac]", &Raw::getCac, &Raw::getCac, &TalIbis::getCac, nullptr},
+        {"T", "[Initial Delay]\nV-T", &Raw::getVTDelay, nullptr, nullptr, nullptr},
+        {"T", "I-T", &Raw::getITDelay, nullptr, nullptr, nullptr},
+    };
+    // clang-format on
+    std::string body;
+    std::string_view model;
+    int number = 10;
+    for (const Item& item : items) {
+        body += model == item.model ? "" : "[Model] " + std::string(item.model) + "\nModel_type Input\n";
+        model = item.model;
+        body += item.text;
+        for (const char* corner : {"1 ", "2 ", "3\n"}) {
+            body += ' ' + std::to_string(number) + corner;
+        }
+        ++number;
+    }
+    const TalIbis& file = *ReadHandle(Ibs(body, "6.0"));
+    const View other = ViewOf(file, "P");
+    int typ = 101;
+    for (const Item& item : items) {
+        const Numbers numbers{typ, typ + 1, typ + 2};
+        const Lines texts{std::to_string(typ), std::to_string(typ + 1), std::to_string(typ + 2)};
+        if (item.get != nullptr) {
+            EXPECT_EQ(Corners(*ViewOf(file, item.model), item.get), numbers) << item.text;
+        }
+        if (item.getOf != nullptr) {
+            EXPECT_EQ(
+                Corners([&](IbisDataType t, double& v) { return (*other.*item.getOf)(item.model, t, v); }),
+                numbers)
+                << item.text;
+        }
+        if (item.table != nullptr) {
+            EXPECT_EQ(Rows(file, item.table, item.model).back(),
+                      texts[0] + std::string(11, ' ') + texts[1] + std::string(11, ' ') + texts[2]);
+        }
+        for (const auto& [corner, i] : {std::pair("Typ", 0U), std::pair("Min", 1U), std::pair("Max", 2U)}) {
+            if (item.single != nullptr) {
+                EXPECT_EQ(Text(file, item.single, item.model, corner), "0  " + texts[i]) << item.text;
+            }
+        }
+        typ += 10;
+    }
+}
+
+TEST(RawModel, EachSeriesElementIsItsOwn)
+{
+    using Raw = IbisRawModelData;
+    const struct {
+        const char* keyword;
+        bool (Raw::*get)(IbisDataType, IbisSwitchType, double&) const;
+        void (TalIbis::*text)(const char*, const char*, const char*, TalIbisStringQueryData&) const;
+    } rows[] = {
+        {"[R Series]", &Raw::getSeriesR, &TalIbis::getR_series},
+        {"[L Series]", &Raw::getSeriesL, &TalIbis::getL_series},
+        {"[Rl Series]", &Raw::getSeriesRl, &TalIbis::getRl_series},
+        {"[C Series]", &Raw::getSeriesC, &TalIbis::getC_series},
+        {"[Rc Series]", &Raw::getSeriesRc, &TalIbis::getRc_series},
+        {"[Lc Series]", &Raw::getSeriesLc, &TalIbis::getLc_series},
+    };
+    std::string body = "[Model] W\nModel_type Series_switch\n[On]\n";
+    for (int i = 0; i < 6; ++i) {
+        body += rows[i].keyword + std::string(" 1") + std::to_string(i) + " NA 2" + std::to_string(i) + "\n";
+    }
+    const TalIbis& file = *ReadHandle(Ibs(body + "[Off]\n[R Series] 1 1 1\n"));
+    const View w = ViewOf(file, "W");
+    double typ = 10;
+    for (const auto& row : rows) {
+        EXPECT_EQ(Corners([&](IbisDataType t, double& v) { return (*w.*row.get)(t, SWITCH_ON, v); }),
+                  (Numbers{typ, typ, typ + 10}))
+            << row.keyword;
+        EXPECT_EQ(Text(file, row.text, "W", "On", "Max"), "0  " + std::to_string(static_cast<int>(typ) + 10));
+        ++typ;
+    }
+}
+
+// The tables of a model and of a submodel, each known by its first current or voltage.
+TEST(RawModel, EachTableIsItsOwn)
+{
+    const auto table = [](const std::string& keyword, int number) {
+        return keyword + "\n0 " + std::to_string(number) + " 0 0\n1 0 0 0\n";
+    };
+    const std::string fixture = "\nR_fixture = 50\nV_fixture = 0";
+    const std::string body =
+        Model("M", "[Add Submodel]\nS All\n" + table("[Pullup]", 1) + table("[Pulldown]", 2) +
+                       table("[POWER Clamp]", 3) + table("[GND Clamp]", 4) + table("[ISSO_PU]", 5) +
+                       table("[ISSO_PD]", 6) + table("[Rising Waveform]" + fixture, 7) +
+                       table("[Composite Current]", 8) + table("[Falling Waveform]" + fixture, 9) +
+                       table("[Falling Waveform]" + fixture + "\nL_fixture = 2\nC_fixture = 3", 10)) +
+        "[Submodel] S\nSubmodel_type Dynamic_clamp\n[Submodel Spec]\nV_trigger_r 11 NA 12\n"
+        "V_trigger_f 13 14 15\nOff_delay 16 17 18\n" +
+        table("[Pullup]", 21) + table("[Pulldown]", 22) + table("[POWER Clamp]", 23) +
+        table("[GND Clamp]", 24) + table("[Rising Waveform]" + fixture, 27) +
+        table("[Rising Waveform]" + fixture, 28) + table("[Falling Waveform]" + fixture, 29) +
+        table("[GND Pulse Table]", 30) + table("[POWER Pulse Table]", 31);
+    const TalIbis& file = *ReadHandle(Ibs(body));
+    const View m = ViewOf(file, "M");
+    const std::unique_ptr<IbisRawSubModelData> s(m->getSubModel(0));
+    ASSERT_NE(s, nullptr);
+    const auto first = [](const rngp* row) { return row == nullptr ? 0 : static_cast<int>(row->dTyp); };
+    const auto tables = [&](const IbisRawModelData& view) {
+        return std::vector{
+            first(view.getPullupTable()),
+            first(view.getPulldownTable()),
+            first(view.getPowerClampTable()),
+            first(view.getGndClampTable()),
+            first(view.getPullupSSOTable()),
+            first(view.getPulldownSSOTable()),
+            first(IbisWaveformHandle(view.getRisingWavefromWithHighest_fixture(IBIS_DATA_TYP)).getVtTable()),
+            first(IbisWaveformHandle(view.getRisingWavefromWithLowest_fixture(IBIS_DATA_TYP)).getVtTable()),
+            first(IbisWaveformHandle(view.getFallingWavefromWithHighest_fixture(IBIS_DATA_MIN)).getVtTable()),
+            first(IbisWaveformHandle(view.getFallingWavefromWithLowest_fixture(IBIS_DATA_MAX)).getVtTable()),
+            static_cast<int>(view.hasRisingWaveform2()),
+            static_cast<int>(view.hasFallingWaveform2())};
+    };
+    EXPECT_EQ(tables(*m), (std::vector{1, 2, 3, 4, 5, 6, 7, 7, 9, 9, 0, 1}));
+    EXPECT_EQ(tables(*s), (std::vector{21, 22, 23, 24, 0, 0, 27, 27, 29, 29, 1, 0}));
+    EXPECT_EQ(first(s->getGndPulseTable()), 30);
+    EXPECT_EQ(first(s->getPowerPulseTable()), 31);
+    EXPECT_EQ(Corners([&](IbisDataType t, double& v) { return s->getV_trigger_f(t, v); }),
+              (Numbers{13, 14, 15}));
+    EXPECT_EQ(Corners([&](IbisDataType t, double& v) { return s->getOff_delay(t, v); }),
+              (Numbers{16, 17, 18}));
+    const wvfrm* const rising = m->getRisingWavefromWithHighest_fixture(IBIS_DATA_TYP);
+    EXPECT_EQ(first(IbisWaveformHandle(rising).getCompositeTable()), 8);
+    const wvfrm* const falling = file.getIbis()->pModels->pFalling->pNext;
+    double value = 0;
+    EXPECT_TRUE(IbisWaveformHandle(falling).getL_fixture(value) && value == 2);
+    EXPECT_TRUE(IbisWaveformHandle(falling).getC_fixture(value) && value == 3);
+}
+
 TEST(RawModel, NumbersOfOtherModels)
 {
     const TalIbis& file = *ReadHandle(Everything());

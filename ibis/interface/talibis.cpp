@@ -146,7 +146,8 @@ const PIN* TalIbis::findPinOfType(const char* component, nuibis_model_type type,
 try {
     const CMPNT* const found = findComp(component);
     OncePerName isOfType([&](const char* model) { return isModelType(model, type); });
-    for (const PIN* pin = found == nullptr ? nullptr : found->pPins; pin != nullptr; pin = pin->pNext) {
+    for (const PIN* pin = found == nullptr || index < 0 ? nullptr : found->pPins; pin != nullptr;
+         pin = pin->pNext) {
         if ((type == MODEL_UNSEEN || isOfType(pin->szModel)) && index-- == 0) {
             return pin;
         }

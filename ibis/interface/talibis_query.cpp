@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <ostream>
 
 namespace
@@ -15,6 +16,16 @@ constexpr std::size_t ERROR_TEXT_SIZE = 4096;
 bool IsBlank(char c)
 {
     return c == ' ' || (c >= 9 && c <= 13);
+}
+
+// A record never throws: without memory it holds an empty text.
+void Assign(std::string& target, const char* text)
+{
+    try {
+        target = text;
+    } catch (const std::bad_alloc&) {
+        target.clear();
+    }
 }
 
 }  // namespace
@@ -44,15 +55,14 @@ void TalIbisQueryData::setFormatedError(StatusType newStatus, const char* format
     va_start(args, format);
     std::vsnprintf(text.data(), text.size(), format, args);
     va_end(args);
-    status = newStatus;
-    errorText = text.data();
+    setUnformatedError(newStatus, text.data());
 }
 
 void TalIbisQueryData::setUnformatedError(StatusType newStatus, const char* text)
 {
     status = newStatus;
     if (text != nullptr) {
-        errorText = text;
+        Assign(errorText, text);
     }
 }
 
@@ -116,7 +126,12 @@ void TalIbisListQueryData::insert(char* text)
     while (length > 1 && IsBlank(text[length - 1])) {
         text[--length] = '\0';
     }
-    strings.push_back(text);
+    try {
+        strings.push_back(text);
+    } catch (const std::bad_alloc&) {
+        std::free(text);
+        setUnformatedError(QueryError, nullptr);
+    }
 }
 
 QVALUE TalIbisListQueryData::createQval() const
@@ -148,7 +163,7 @@ void TalIbisStringQueryData::clear()
 
 void TalIbisStringQueryData::setData(const char* text)
 {
-    result = text;
+    Assign(result, text);
 }
 
 QVALUE TalIbisStringQueryData::createQval() const

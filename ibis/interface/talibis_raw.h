@@ -140,8 +140,10 @@ class TALIBIS_API IbisRawModelData
     bool getPulldownRef(IbisDataType type, double& value) const;    ///< [Pulldown Reference], V
     bool getPullupRef(IbisDataType type, double& value) const;      ///< [Pullup Reference], V
     bool getVoltageRange(IbisDataType type, double& value) const;   ///< [Voltage Range], V
-    bool getVTDelay(IbisDataType type, double& value) const;        ///< V-T of [Initial Delay], s
-    bool getITDelay(IbisDataType type, double& value) const;        ///< I-T of [Initial Delay], s
+    // [Initial Delay] (s) of files before 6.1: the later keyword is one of the waveforms.
+    bool getVTDelay(IbisDataType type, double& value) const;  ///< V-T
+    bool getITDelay(IbisDataType type, double& value) const;  ///< I-T
+    // Those of a model by its name.
     bool getCac(const char* model, IbisDataType type, double& value) const;
     bool getRac(const char* model, IbisDataType type, double& value) const;
     bool getRgnd(const char* model, IbisDataType type, double& value) const;
