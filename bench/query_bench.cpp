@@ -166,7 +166,7 @@ void AnswerFlag(benchmark::State& state)
 {
     TalIbisBooleanQueryData flag;
     for (auto _ : state) {
-        File().hasSeriesPinMapping("U1", "5000", flag);
+        File().hasSeriesPinMapping("U1", "4999", flag);
         benchmark::DoNotOptimize(flag);
     }
     if (!flag.status()) {
