@@ -209,3 +209,82 @@ TEST(ComponentQueries, TestComponent)
     EXPECT_EQ(std::string(findings->getErrMsg(std::size_t{0})),
               "Component 'U9' not found in the IBIS file '" + TestFolder() + "/t.ibs'");
 }
+
+// A record that holds the error of a former query: most queries clear it, and these few go on with it.
+TEST(Queries, FewKeepTheFormerStatus)
+{
+    const TalIbis& file = *TwoComponents();
+    const auto status = [](auto record, auto query) {
+        record.setUnformatedError(QueryWarning, "former");
+        query(record);
+        return record.getErrMsg();
+    };
+    const auto text = [&](auto query) { return status(TalIbisStringQueryData(), query); };
+    const auto flag = [&](auto query) { return status(TalIbisBooleanQueryData(), query); };
+    const auto list = [&](auto query) { return status(TalIbisListQueryData(), query); };
+    const auto kept = [&](const std::string& found) { EXPECT_EQ(found, "former"); };
+    const auto cleared = [&](const std::string& found) { EXPECT_EQ(found, ""); };
+    kept(list([&](auto& r) { file.getRgnd("M", r); }));
+    kept(list([&](auto& r) { file.getSeriesPinMapping(nullptr, "A1", r); }));
+    kept(list([&](auto& r) { file.getSeriesSwitchGroup(nullptr, r); }));
+    kept(list([&](auto& r) { file.getIbisPkgModel(nullptr, "A1", r); }));
+    kept(list([&](auto& r) { file.getIbisPkgMatrixModel("U1", nullptr, r); }));
+    kept(list([&](auto& r) { file.EbdNodeFork(nullptr, r); }));
+    kept(text([&](auto& r) { file.getR_series("M", "On", "Typ", r); }));
+    kept(text([&](auto& r) { file.getLc_series(nullptr, "On", "Typ", r); }));
+    kept(text([&](auto& r) { file.getR_fixture2("M", r); }));
+    kept(text([&](auto& r) { file.getIbisPkgModelType("U1", r); }));
+    kept(flag([&](auto& r) { file.hasModelSelector("none", "", r); }));
+    kept(flag([&](auto& r) { file.hasModelDriverSchedule("M", r); }));
+    kept(flag([&](auto& r) { file.hasPullup("M", r); }));
+    kept(flag([&](auto& r) { file.hasSeriesPinMapping("U1", "A1", r); }));
+    kept(flag([&](auto& r) { file.hasSeries_MOSFET("M", "On", r); }));
+    cleared(list([&](auto& r) { file.getRpower("M", r); }));
+    cleared(list([&](auto& r) { file.getModelInfo(nullptr, r); }));
+    cleared(list([&](auto& r) { file.getSeriesPinMapping("U1", "A1", r); }));
+    cleared(list([&](auto& r) { file.getIbisPkgModel("U1", "A1", r); }));
+    cleared(list([&](auto& r) { file.getEbdNodeList(nullptr, r); }));
+    cleared(list([&](auto& r) { file.getPinMapping(nullptr, "A1", r); }));
+    cleared(text([&](auto& r) { file.getR_fixture1("M", r); }));
+    cleared(text([&](auto& r) { file.getV_fixture2(nullptr, "Typ", r); }));
+    cleared(text([&](auto& r) { file.getR_pin("U9", "A1", r); }));
+}
+
+// A handle without a name finds what its root holds and tells of no miss; one without a root finds nothing.
+TEST(Queries, HandlesWithoutNameOrRoot)
+{
+    TalIbis nameless;
+    nameless.setIbis(TwoComponents()->getIbis());
+    const TalIbis rootless("/no/such.ibs", IBIS_FILE_IBS, IBIS_VER_5);
+    TalIbisListQueryData list;
+    nameless.getPinList("U1", list);
+    EXPECT_EQ(list.size(), 3U);
+    for (const TalIbis* file : {static_cast<const TalIbis*>(&nameless), &rootless}) {
+        const bool named = file == &rootless;
+        const auto expect = [&](StatusType status) {
+            EXPECT_EQ(list.getStatus(), named ? status : QueryOk);
+            EXPECT_EQ(list.size(), 0U);
+        };
+        file->getModelInfo("none", list);
+        expect(QueryError);
+        file->getDiffPin("none", "1", list);
+        expect(QueryError);
+        file->getPinModelList("none", "", list);
+        expect(QueryError);
+        file->getSubmodelOffDelay("none", list);
+        expect(QueryError);
+        file->getEbdRefList(list);
+        expect(QueryEmpty);
+        file->getPinModelList("none", "Ebd", list);
+        expect(QueryEmpty);
+        file->getModelSelectorSubModelList("none", "IBIS_I", list);
+        expect(QueryOk);
+        file->getIbisPkgMatrixModel("none", "1 2", list);
+        expect(QueryOk);
+        file->getIbisEbdModel("none", list);
+        expect(QueryOk);
+    }
+    EXPECT_EQ(rootless.getIbisRawModelData("M"), nullptr);
+    rootless.getCompList(list);
+    EXPECT_EQ(list.getStatus(), QueryEmpty);
+}
