@@ -29,8 +29,7 @@ constexpr std::string_view PARAMETERS = R"((m
 std::unique_ptr<TalIbisAMI_File> Definitions()
 {
     const std::string& path = FUZZ_Write("example.ami", PARAMETERS);
-    auto file =
-        std::make_unique<TalIbisAMI_File>("M", "example.ami", path.substr(0, path.rfind('/') + 1));
+    auto file = std::make_unique<TalIbisAMI_File>("M", "example.ami", path.substr(0, path.rfind('/') + 1));
     if (!file->parseFile()) {
         std::abort();
     }

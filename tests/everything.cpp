@@ -90,19 +90,20 @@ class Tuples
     std::vector<std::size_t> mAt;
 };
 
-void Call(const char* function, const Names& parameters)
+void Call(const char* function, const Names& parameters, const CallRunner& run)
 {
     std::vector<QVALUE> values;
     for (const std::string& parameter : parameters) {
         values.push_back(qval_create_string(parameter.c_str()));
     }
-    qval_free_value(qel_call(function, values));
+    run([&] { qval_free_value(qel_call(function, values)); });
     for (const QVALUE value : values) {
         qval_free_value(value);
     }
 }
 
-std::size_t CallScriptFunctions(const TalIbis& file, const Arguments& arguments, std::string_view typeWord)
+std::size_t CallScriptFunctions(const TalIbis& file, const Arguments& arguments, std::string_view typeWord,
+                                const CallRunner& run)
 {
     talIbis_qel_initialize();
     std::size_t calls = 0;
@@ -117,7 +118,7 @@ std::size_t CallScriptFunctions(const TalIbis& file, const Arguments& arguments,
         do {
             Names parameters = tuples.current();
             parameters.insert(parameters.begin(), {file.getFileName(), std::string(typeWord)});
-            Call(row.name, parameters);
+            Call(row.name, parameters, run);
             ++calls;
         } while (tuples.next());
     }
@@ -126,28 +127,43 @@ std::size_t CallScriptFunctions(const TalIbis& file, const Arguments& arguments,
 
 using Number = bool (IbisRawModelData::*)(IbisDataType, double&) const;
 using SeriesNumber = bool (IbisRawModelData::*)(IbisDataType, IbisSwitchType, double&) const;
+using Waveform = const wvfrm* (IbisRawModelData::*)(IbisDataType) const;
 using PinNumber = bool (IbisRawModelData::*)(const char*, const char*, double&) const;
 
-constexpr Number NUMBERS[] = {
-    &IbisRawModelData::getCac,          &IbisRawModelData::getRac,
-    &IbisRawModelData::getRgnd,         &IbisRawModelData::getRpower,
-    &IbisRawModelData::getTTgnd,        &IbisRawModelData::getTTpower,
-    &IbisRawModelData::getGndClampRef,  &IbisRawModelData::getPowerClampRef,
-    &IbisRawModelData::getPulldownRef,  &IbisRawModelData::getPullupRef,
-    &IbisRawModelData::getVoltageRange, &IbisRawModelData::getVTDelay,
-    &IbisRawModelData::getITDelay,      &IbisRawModelData::getC_comp,
-    &IbisRawModelData::getC_comp_pullup, &IbisRawModelData::getC_comp_pulldown,
-    &IbisRawModelData::getC_comp_power_clamp, &IbisRawModelData::getC_comp_gnd_clamp,
-    &IbisRawModelData::getVinl,         &IbisRawModelData::getVinh,
-    &IbisRawModelData::getVcc,          &IbisRawModelData::getRampDvDtRise,
-    &IbisRawModelData::getRampDvDtFall};
+constexpr Number NUMBERS[] = {&IbisRawModelData::getCac,
+                              &IbisRawModelData::getRac,
+                              &IbisRawModelData::getRgnd,
+                              &IbisRawModelData::getRpower,
+                              &IbisRawModelData::getTTgnd,
+                              &IbisRawModelData::getTTpower,
+                              &IbisRawModelData::getGndClampRef,
+                              &IbisRawModelData::getPowerClampRef,
+                              &IbisRawModelData::getPulldownRef,
+                              &IbisRawModelData::getPullupRef,
+                              &IbisRawModelData::getVoltageRange,
+                              &IbisRawModelData::getVTDelay,
+                              &IbisRawModelData::getITDelay,
+                              &IbisRawModelData::getC_comp,
+                              &IbisRawModelData::getC_comp_pullup,
+                              &IbisRawModelData::getC_comp_pulldown,
+                              &IbisRawModelData::getC_comp_power_clamp,
+                              &IbisRawModelData::getC_comp_gnd_clamp,
+                              &IbisRawModelData::getVinl,
+                              &IbisRawModelData::getVinh,
+                              &IbisRawModelData::getVcc,
+                              &IbisRawModelData::getRampDvDtRise,
+                              &IbisRawModelData::getRampDvDtFall};
 constexpr SeriesNumber SERIES[] = {&IbisRawModelData::getSeriesR,  &IbisRawModelData::getSeriesL,
                                    &IbisRawModelData::getSeriesRl, &IbisRawModelData::getSeriesC,
                                    &IbisRawModelData::getSeriesRc, &IbisRawModelData::getSeriesLc};
+constexpr Waveform WAVEFORMS[] = {&IbisRawModelData::getRisingWavefromWithHighest_fixture,
+                                  &IbisRawModelData::getFallingWavefromWithHighest_fixture,
+                                  &IbisRawModelData::getRisingWavefromWithLowest_fixture,
+                                  &IbisRawModelData::getFallingWavefromWithLowest_fixture};
 constexpr PinNumber PINS[] = {&IbisRawModelData::getR_pin, &IbisRawModelData::getL_pin,
                               &IbisRawModelData::getC_pin};
 
-std::size_t AskView(const IbisRawModelData& view, const Arguments& arguments)
+std::size_t AskCorners(const IbisRawModelData& view)
 {
     std::size_t calls = 0;
     double value = 0.0;
@@ -162,9 +178,18 @@ std::size_t AskView(const IbisRawModelData& view, const Arguments& arguments)
             (view.*number)(type, SWITCH_OFF, value);
             calls += 2;
         }
-        view.getRisingWavefromWithHighest_fixture(type);
-        view.getFallingWavefromWithLowest_fixture(type);
+        for (const Waveform waveform : WAVEFORMS) {
+            (view.*waveform)(type);
+            ++calls;
+        }
     }
+    return calls;
+}
+
+std::size_t AskPins(const IbisRawModelData& view, const Arguments& arguments)
+{
+    std::size_t calls = 0;
+    double value = 0.0;
     for (const std::string& component : arguments.of("component")) {
         for (const std::string& pin : arguments.of("pin")) {
             for (const PinNumber number : PINS) {
@@ -173,29 +198,38 @@ std::size_t AskView(const IbisRawModelData& view, const Arguments& arguments)
             }
             view.getVdiff(component.c_str(), pin.c_str(), pin.c_str(), value);
             view.hasPinMapping(component.c_str(), pin.c_str());
+            calls += 2;
         }
     }
+    return calls;
+}
+
+std::size_t AskParts(const IbisRawModelData& view)
+{
     std::vector<ScheduledDriver*> drivers;
     view.getDriverSchedule(drivers);
     for (const ScheduledDriver* driver : drivers) {
         delete driver;
     }
+    std::size_t calls = 1;
     for (int i = 0; i < std::min(view.getNumSubModels(), 3); ++i) {
         const std::unique_ptr<IbisRawSubModelData> submodel(view.getSubModel(i));
+        calls += submodel == nullptr ? 1 : AskCorners(*submodel);
     }
     return calls;
 }
 
 }  // namespace
 
-std::size_t AskEverything(const TalIbis& file, std::string_view typeWord, std::size_t names)
+std::size_t AskEverything(const TalIbis& file, std::string_view typeWord, std::size_t names,
+                          const CallRunner& run)
 {
     const Arguments arguments(file, names);
-    std::size_t calls = CallScriptFunctions(file, arguments, typeWord);
+    std::size_t calls = CallScriptFunctions(file, arguments, typeWord, run);
     for (const std::string& model : arguments.of("model")) {
         const std::unique_ptr<IbisRawModelData> view(file.getIbisRawModelData(model.c_str()));
         if (view != nullptr) {
-            calls += AskView(*view, arguments);
+            calls += AskCorners(*view) + AskPins(*view, arguments) + AskParts(*view);
         }
     }
     return calls;
