@@ -6,6 +6,7 @@
 #include "ibis/interface/talibis.h"
 
 #include <cstddef>
+#include <new>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -66,7 +67,13 @@ template <class... Args, void (TalIbis::*Query)(Args...) const> struct FRAME_Fun
     using Types = std::tuple<Args...>;
     using Record = std::remove_reference_t<std::tuple_element_t<COUNT, Types>>;
 
-    static QVALUE call() { return callWith(std::make_index_sequence<COUNT>()); }
+    /// Null when memory is out.
+    static QVALUE call() noexcept
+    try {
+        return callWith(std::make_index_sequence<COUNT>());
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 
   private:
     template <std::size_t... Index> static QVALUE callWith(std::index_sequence<Index...>)

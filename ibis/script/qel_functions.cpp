@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <new>
 #include <string_view>
 
 namespace
@@ -25,8 +26,8 @@ void StoreFindings(TalIbisListQueryData& record, const IbisErrorContainer& findi
 }
 
 // (file, type): reads or finds the file and gives its findings as one text.
-QVALUE CheckData()
-{
+QVALUE CheckData() noexcept
+try {
     TalIbisListQueryData record;
     FRAME_Parameter<const char*> name;
     FRAME_Parameter<const char*> word;
@@ -45,11 +46,13 @@ QVALUE CheckData()
         StoreFindings(record, *findings);
     }
     return record.createQval();
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 // (file, type, model, symbol): checks one model anew and gives the findings as one text.
-QVALUE CheckModel()
-{
+QVALUE CheckModel() noexcept
+try {
     TalIbisListQueryData record;
     const TalIbis* const file = FRAME_GetIbis();
     FRAME_Parameter<const char*> model;
@@ -62,6 +65,8 @@ QVALUE CheckModel()
         StoreFindings(record, *file->testModel(model.data));
     }
     return record.createQval();
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 struct Function {
