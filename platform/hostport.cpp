@@ -1,9 +1,9 @@
 #include "platform/hostport.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 #include <locale.h>
 #include <sys/stat.h>
@@ -54,7 +54,9 @@ int hst_stricmp(const char* a, const char* b) noexcept
 
 std::int64_t hst_time() noexcept
 {
-    return std::time(nullptr);
+    // Not std::time, whose coarse clock can lag behind the stamp of a file that was just written.
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch).count();
 }
 
 double hst_strtod(const char* text, char** end) noexcept

@@ -1,11 +1,13 @@
 // What happens when memory runs out: at each allocation of a read, and at each one of a query.
 
 #include "ibis/interface/talibis_tool.h"
+#include "ibis/source/nuibis_msg.h"
 #include "platform/qelrt_inspect.h"
 #include "tests/builders.h"
 #include "tests/everything.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -189,14 +191,30 @@ std::vector<File> Files()
             {"old.ibs", IBIS_FILE_IBS, "ibs", Header("1.1", "old.ibs") + old + "[End]\n"}};
 }
 
+// The totals behind the nested read of a board's component have no place in a test's output.
+class NoTotals
+{
+  public:
+    NoTotals() : mpFile(std::fopen("/dev/null", "w")) { MSG_SetSummaryStream(mpFile); }
+    ~NoTotals()
+    {
+        MSG_SetSummaryStream(nullptr);
+        std::fclose(mpFile);
+    }
+    NoTotals(const NoTotals&) = delete;
+    NoTotals& operator=(const NoTotals&) = delete;
+
+  private:
+    std::FILE* mpFile;
+};
+
 // Reads the file with failures as armed and gives the numbers of its messages.
 std::vector<int> CodesOf(const File& file)
 {
     std::vector<int> codes;
     talSetListener(
         [](void* context, const TalIbisFinding& finding) {
-            const auto& heard = static_cast<std::vector<int>*>(context);
-            heard->push_back(finding.iCode);
+            static_cast<std::vector<int>*>(context)->push_back(finding.iCode);
         },
         &codes);
     codes.reserve(10000);
@@ -209,6 +227,7 @@ std::vector<int> CodesOf(const File& file)
 
 TEST(Memory, EachAllocationOfAReadMayFail)
 {
+    const NoTotals quiet;
     for (const File& file : Files()) {
         SCOPED_TRACE(file.name);
         WriteTestFile(file.name, file.text);
@@ -221,13 +240,14 @@ TEST(Memory, EachAllocationOfAReadMayFail)
                 const auto told = [](int code) { return code == 1906 || code == 1907; };
                 EXPECT_EQ(struck, std::any_of(codes.begin(), codes.end(), told)) << "allocation " << n;
             }
-            EXPECT_GT(n, 5);
+            EXPECT_GT(n, 3);
         }
     }
 }
 
 TEST(Memory, AReadThatRanOutOfMemoryAnswersQueries)
 {
+    const NoTotals quiet;
     const File file = Files().front();
     WriteTestFile(file.name, file.text);
     bool struck = true;
@@ -245,6 +265,7 @@ TEST(Memory, AReadThatRanOutOfMemoryAnswersQueries)
 
 TEST(Memory, EachAllocationOfAQueryMayFail)
 {
+    const NoTotals quiet;
     for (const File& file : Files()) {
         if (file.pszWord == nullptr || file.name == "old.ibs") {
             continue;  // these have no handle
@@ -269,6 +290,7 @@ TEST(Memory, EachAllocationOfAQueryMayFail)
 
 TEST(Memory, EachAllocationOutsideTheParserMayFail)
 {
+    const NoTotals quiet;
     for (const File& file : Files()) {
         SCOPED_TRACE(file.name);
         const std::string path = WriteTestFile(file.name, file.text);
