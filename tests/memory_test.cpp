@@ -73,7 +73,8 @@ void* __wrap_realloc(void* block, std::size_t size)
     return gCoreFailure.strikes() ? nullptr : __real_realloc(block, size);
 }
 
-void* operator new(std::size_t size)
+// Not inlined: seen through, the pairs look like new with free to the compiler.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     void* const block = gNewFailure.strikes() ? nullptr : std::malloc(size);
     if (block == nullptr) {
@@ -82,17 +83,17 @@ void* operator new(std::size_t size)
     return block;
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     return gNewFailure.strikes() ? nullptr : std::malloc(size);
 }
 
-void operator delete(void* block) noexcept
+[[gnu::noinline]] void operator delete(void* block) noexcept
 {
     std::free(block);
 }
 
-void operator delete(void* block, std::size_t) noexcept
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept
 {
     std::free(block);
 }
