@@ -136,11 +136,10 @@ try {
     std::replace(path.begin(), path.end(), '\\', '/');
     hst_stat_t info;
     if (hst_stat(path.c_str(), &info) == 0 && info.tModified <= tTimeStamp) {
-        return *place;
+        return place->get();
     }
     TalIbisAMI_File* const file = readAMI_File(model, pszFileName);
-    amiFiles.replace(place, file);
-    return file;
+    return amiFiles.replace(place, file) ? file : nullptr;
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
