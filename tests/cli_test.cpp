@@ -129,13 +129,10 @@ TEST(CommandLine, StringsOfAnAlgorithmicModel)
               "(m\n    (DLL_ID \"M\")\n    (i 2)\n    (g\n      (o 1)\n    )\n    (a 0.5)\n)");
     EXPECT_EQ(RunTalibis("ami-input --inputs-only " + file + " M").out,
               "(m\n    (DLL_ID \"M\")\n    (g\n    )\n    (a 0.5)\n)");
-    const auto report = [](bool ok, const char* o, const char* warnings, const char* errors) {
-        return json{{"ok", ok},
-                    {"warnings", warnings},
-                    {"errors", errors},
-                    {"params", {{"DLL_ID", "\"M\""}, {"i", "2"}, {"o", o}, {"a", "0.5"}}}}
-                   .dump() +
-               "\n";
+    const auto report = [](const std::string& ok, const std::string& o, const std::string& warnings,
+                           const std::string& errors) {
+        return R"({"ok":)" + ok + R"(,"warnings":")" + warnings + R"(","errors":")" + errors +
+               R"(","params":{"DLL_ID":"\"M\"","i":"2","o":")" + o + R"(","a":"0.5"}})" + '\n';
     };
     const auto output = [&](const std::string& text) {
         const std::string path = Quoted(WriteTestFile("out.txt", text));
@@ -143,10 +140,10 @@ TEST(CommandLine, StringsOfAnAlgorithmicModel)
         EXPECT_EQ(result.status, 0) << text;
         return result.out;
     };
-    EXPECT_EQ(output("(m (g (o 7)) (i 9))\n"), report(true, "7", "", ""));
+    EXPECT_EQ(output("(m (g (o 7)) (i 9))\n"), report("true", "7", "", ""));
     EXPECT_EQ(output("(M (z 1) (g (o -1)))"),
-              report(true, "-1", "z could not be found in AMI parameter tree. It was ignored.\n", ""));
-    EXPECT_EQ(output(""), report(false, "1", "", "Incomplete AMI DLL output string."));
+              report("true", "-1", "z could not be found in AMI parameter tree. It was ignored.\\n", ""));
+    EXPECT_EQ(output(""), report("false", "1", "", "Incomplete AMI DLL output string."));
     for (const std::string& command : {"ami-input "s, "ami-output "s}) {
         const auto refused = [&](const std::string& words) {
             const Result result = RunTalibis(command + words + " </dev/null", true);

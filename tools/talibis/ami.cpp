@@ -8,11 +8,13 @@
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string_view>
 
 namespace
 {
 
-using nlohmann::json;
+using json = nlohmann::ordered_json;
 
 std::string TextOf(const IbisErrorContainer& findings)
 {
@@ -69,12 +71,16 @@ const TalIbisAMI_File* FindParameters(const AmiOptions& options)
     return parameters;
 }
 
-// Each parameter by its name; of several with one name, in groups of their own, the first.
+// Each parameter by its name, in the order of the file; of several with one name, in groups of their own, the
+// first. The object's own insertion walks all members for each new one.
 json ValuesOf(const TalIbisAMI_ParamList& params)
 {
-    json values = json::object();
+    json::object_t values;
+    std::set<std::string_view> names;
     for (const TalIbisAMI_Param* param : params) {
-        values.emplace(param->getParamName(), param->getValue().toString());
+        if (names.insert(param->getParamName()).second) {
+            values.emplace_back(param->getParamName(), param->getValue().toString());
+        }
     }
     return values;
 }
