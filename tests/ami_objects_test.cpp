@@ -316,6 +316,24 @@ TEST(AmiObjects, AChangedFileIsReadAnewInItsPlace)
     EXPECT_NE(handle->parseAMI_File("M"), nullptr);
 }
 
+TEST(AmiObjects, CopiesOfAHandleShareItsFiles)
+{
+    const TalIbis* const handle = ReadModel("(p (Usage In)(Type Float)(Value 1))");
+    const TalIbis early(*handle);
+    const TalIbisAMI_File* const own = early.parseAMI_File("M");  // goes with this copy
+    const TalIbisAMI_File* const first = handle->parseAMI_File("M");
+    EXPECT_NE(own, first);
+    TalIbis late;
+    late = *handle;
+    EXPECT_EQ(late.parseAMI_File("M"), first);
+    const std::string path = WriteTestFile("p.ami", "(r (Reserved_Parameters " + VERSION_61 + "))");
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() +
+                                               std::chrono::seconds(10));
+    EXPECT_NE(handle->parseAMI_File("M"), first);
+    EXPECT_EQ(first->getNumParams(), 2U);  // still held by the copy
+    EXPECT_EQ(late.getAMIParamNum("M"), 1U);
+}
+
 TEST(AmiObjects, InstancesStartWithTheDefinitionsValue)
 {
     const std::string text = "(Usage In)(Type String)(Value x))";

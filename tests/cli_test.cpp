@@ -13,6 +13,7 @@ namespace
 {
 
 using nlohmann::json;
+using namespace std::string_literals;
 
 Result RunTalibis(const std::string& words, bool withErrors = false)
 {
@@ -111,6 +112,55 @@ TEST(CommandLine, CallPrintsOneValue)
     EXPECT_EQ(RunTalibis("call deNoFunction").status, 2);
 }
 
+TEST(CommandLine, StringsOfAnAlgorithmicModel)
+{
+    const std::string keyword = "[Algorithmic Model]\nExecutable Linux_gcc_64 code.so ";
+    const std::string end = "\n[End Algorithmic Model]\n";
+    WriteTestFile("code.so", "");
+    WriteTestFile("bad.ami", "(m)");
+    WriteTestFile("p.ami",
+                  "(m (Reserved_Parameters (DLL_ID (Usage In)(Type String)(Value x)))(Model_Specific "
+                  "(i (Usage Info)(Type Float)(Value 2))(g (o (Usage Out)(Type Integer)(Value 1)))"
+                  "(a (Usage InOut)(Type Float)(Range 0.5 0 1))))");
+    const std::string file =
+        Quoted(WriteTestFile("t.ibs", Ibs(Model("M", keyword + "p.ami" + end) + Model("N") +
+                                          Model("B", keyword + "bad.ami" + end))));
+    EXPECT_EQ(RunTalibis("ami-input " + file + " M", true).out,
+              "(m\n    (DLL_ID \"M\")\n    (i 2)\n    (g\n      (o 1)\n    )\n    (a 0.5)\n)");
+    EXPECT_EQ(RunTalibis("ami-input --inputs-only " + file + " M").out,
+              "(m\n    (DLL_ID \"M\")\n    (g\n    )\n    (a 0.5)\n)");
+    const auto report = [](const std::string& ok, const std::string& o, const std::string& warnings,
+                           const std::string& errors) {
+        return R"({"ok":)" + ok + R"(,"warnings":")" + warnings + R"(","errors":")" + errors +
+               R"(","params":{"DLL_ID":"\"M\"","i":"2","o":")" + o + R"(","a":"0.5"}})" + '\n';
+    };
+    const auto output = [&](const std::string& text) {
+        const std::string path = Quoted(WriteTestFile("out.txt", text));
+        const Result result = RunTalibis("ami-output " + file + " M <" + path);
+        EXPECT_EQ(result.status, 0) << text;
+        return result.out;
+    };
+    EXPECT_EQ(output("(m (g (o 7)) (i 9))\n"), report("true", "7", "", ""));
+    EXPECT_EQ(output("(M (z 1) (g (o -1)))"),
+              report("true", "-1", "z could not be found in AMI parameter tree. It was ignored.\\n", ""));
+    EXPECT_EQ(output(""), report("false", "1", "", "Incomplete AMI DLL output string."));
+    for (const std::string& command : {"ami-input "s, "ami-output "s}) {
+        const auto refused = [&](const std::string& words) {
+            const Result result = RunTalibis(command + words + " </dev/null", true);
+            EXPECT_EQ(result.status, 2) << words;
+            return result.out;
+        };
+        const std::string path = file.substr(1, file.size() - 2);
+        EXPECT_EQ(refused(file + " X"), "talibis: there is no model 'X' in " + path + "\n");
+        EXPECT_EQ(refused(file + " N"), "talibis: model 'N' in " + path + " has no algorithmic model\n");
+        EXPECT_EQ(refused(file + " B"),
+                  "ERROR - Too few nodes in branches or leaves.\n"
+                  "talibis: the parameter file 'bad.ami' of model 'B' cannot be used\n");
+        EXPECT_EQ(refused("/no/such.ibs M"), "ERROR - Unable To Open File '/no/such.ibs'\n"
+                                             "talibis: /no/such.ibs could not be read\n");
+    }
+}
+
 TEST(CommandLine, FunctionsAreListedWithTheirParameters)
 {
     const std::string list = RunTalibis("functions").out;
@@ -121,7 +171,7 @@ TEST(CommandLine, FunctionsAreListedWithTheirParameters)
 TEST(CommandLine, WrongUsageIsOneClearLine)
 {
     for (const char* words :
-         {"--nonsense", "check", "check --format xml x", "check --type doc x", "", "guess"}) {
+         {"--nonsense", "check", "check --format xml x", "check --type doc x", "", "guess", "ami-input x"}) {
         const Result result = RunTalibis(words, true);
         EXPECT_EQ(result.status, 2) << words;
         EXPECT_TRUE(result.out.starts_with("talibis: ")) << result.out;

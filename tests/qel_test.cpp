@@ -73,6 +73,22 @@ std::string TestFile()
                                       Model("W") + "[End]\n");
 }
 
+// Models with a good, a bad and no parameter file; U is no pin's.
+std::string AlgorithmicFile()
+{
+    const auto keyword = [](const char* file) {
+        return "[Algorithmic Model]\nExecutable Linux_gcc_64 code.so " + std::string(file) +
+               "\n[End Algorithmic Model]\n";
+    };
+    WriteTestFile("code.so", "");
+    WriteTestFile("bad.ami", "(m)");
+    WriteTestFile("p.ami", "(m (Reserved_Parameters (v (Usage Info)(Type Float)(Value 2)))"
+                           "(Model_Specific (a (Usage In)(Type Float)(Range 0.5 0 1))))");
+    return WriteTestFile("a.ibs", Header("5.1", "a.ibs") + Component("U1", "1 s M\n2 t B\n3 u N\n") +
+                                      Model("M", keyword("p.ami")) + Model("B", keyword("bad.ami")) +
+                                      Model("N") + Model("U", keyword("bad.ami")) + "[End]\n");
+}
+
 }  // namespace
 
 TEST(ScriptFunctions, EachIsRegisteredOnceAndTellsItsParameters)
@@ -159,4 +175,63 @@ TEST(ScriptFunctions, ChecksOfAFileAndOfAModel)
     EXPECT_EQ(Call("deCheckIbisModel", {file, "ibs", "W", "IBIS_I"}).status, 2);
     EXPECT_EQ(Call("deCheckIbisModel", {file, "ibs", "D", ""}).status, 0);
     EXPECT_EQ(Call("deCheckIbisModel", {file, "ibs", "D"}).error, "Wrong parameter");
+}
+
+TEST(ScriptFunctions, AlgorithmicModels)
+{
+    const std::string file = AlgorithmicFile();
+    const struct {
+        const char* function;
+        std::initializer_list<Parameter> parameters;
+        Lines payload;
+    } rows[] = {
+        {"deGetIbisAMIfileName", {file, "ibs", "M"}, {"p.ami"}},
+        {"deGetIbisAMIParamNum", {file, "ibs", "M"}, {"2"}},
+        {"deGetIbisAMIParamNum", {file, "ibs", "B"}, {"0"}},
+        {"deGetIbisAMIParamAttributes", {file, "ibs", "M", 1}, {"In", "Float", "Range", "0.5", "null"}},
+        {"deGetIbisAMIParamTree", {file, "ibs", "M", 1}, {"m", "Model_Specific", "a"}},
+        {"deGetIbisAMIDataChoices", {file, "ibs", "M", 0}, {"Value", "2", "2"}},
+        {"deGetIbisAMIParamInfo", {file, "ibs", "M", 0}, {"(Usage Info) (Type Float) (Format Value 2) "}},
+    };
+    for (const auto& row : rows) {
+        const Result result = Call(row.function, row.parameters);
+        EXPECT_EQ(result.error, "") << row.function;
+        EXPECT_EQ(result.status, 0) << row.function;
+        EXPECT_EQ(result.payload, row.payload) << row.function;
+    }
+    const Result beyond = Call("deGetIbisAMIParamInfo", {file, "ibs", "M", 2});
+    EXPECT_EQ(beyond.status, -1);
+    EXPECT_EQ(beyond.error, "Error indexing AMI parameters from the AMI file 'p.ami'.\n"
+                            " Please check the AMI file and/or reset the AMI component.");
+    // An integer that is none is told in the answer alone.
+    const Result text = Call("deGetIbisAMIParamInfo", {file, "ibs", "M", "0"});
+    EXPECT_EQ(text.status, -1);
+    EXPECT_EQ(text.error, "Wrong parameter");
+    EXPECT_EQ(text.badParameters, std::vector<int>{});
+}
+
+TEST(ScriptFunctions, AModelIsCheckedWithItsParameterFile)
+{
+    const std::string file = AlgorithmicFile();
+    const std::string faulty = "ERROR - Too few nodes in branches or leaves.\n";
+    const std::string unused = "WARNING - Model U not referenced in any [Pin], [Model Selector], [Driver "
+                               "Schedule] or [Series Pin Mapping] sections.\n No more warnings will be "
+                               "generated for un-referenced models\n";
+    const struct {
+        const char* model;
+        const char* symbol;
+        int status;
+        std::string error;
+    } rows[] = {
+        {"M", "IBIS_Rx_AMI", 0, ""},     {"B", "IBIS_Rx_AMI", 1, faulty},
+        {"B", "IBIS_Tx_AMI", 1, faulty}, {"B", "IBIS_XtlkTx_AMI", 1, faulty},
+        {"B", "IBIS_XtlkRx_AMI", 0, ""}, {"B", "IBIS_I", 0, ""},
+        {"U", "IBIS_I", 2, unused},      {"U", "IBIS_Rx_AMI", 1, unused + "\n" + faulty},
+        {"N", "IBIS_Rx_AMI", 0, ""},
+    };
+    for (const auto& row : rows) {
+        const Result result = Call("deCheckIbisModel", {file, "ibs", row.model, row.symbol});
+        EXPECT_EQ(result.status, row.status) << row.model << row.symbol;
+        EXPECT_EQ(result.error, row.error) << row.model << row.symbol;
+    }
 }

@@ -1,5 +1,6 @@
 // The raw view of a model and of its submodels.
 
+#include "ibis/interface/talibis_ami.h"
 #include "ibis/interface/talibis_raw.h"
 #include "ibis/source/nuibis_dly.h"
 #include "ibis/source/nuibis_drvsh.h"
@@ -461,6 +462,38 @@ TEST(RawModel, ComponentsAndPins)
     EXPECT_TRUE(m->hasAddSubModel());
     EXPECT_FALSE(m->hasModelSpec());
     EXPECT_FALSE(m->isAmi());
+}
+
+TEST(RawModel, AlgorithmicModel)
+{
+    WriteTestFile("code.so", "");
+    WriteTestFile("p.ami", "(m (Reserved_Parameters (v (Usage Info)(Type Float)(Value 2))))");
+    const TalIbis& file = *ReadHandle(
+        Ibs(Driver("D") + Model("A", "[Algorithmic Model]\nExecutable Linux_gcc_64 code.so p.ami\n"
+                                     "[End Algorithmic Model]\n")));
+    const View plain = ViewOf(file, "D");
+    const View m = ViewOf(file, "A");
+    std::string name = "before";
+    EXPECT_FALSE(plain->isAmi());
+    EXPECT_FALSE(plain->findAMI_DLL(name));
+    EXPECT_FALSE(plain->readAmi());
+    EXPECT_EQ(name, "before");
+    EXPECT_TRUE(m->isAmi());
+    EXPECT_EQ(m->getAmi(), nullptr);
+    EXPECT_EQ(m->getAMI_DLLName(), "");
+    EXPECT_TRUE(m->findAMI_DLL(name));
+    EXPECT_EQ(name, TestFolder() + "/code.so");
+    EXPECT_EQ(m->getAMI_DLLName(), name);
+    EXPECT_TRUE(m->readAmi());
+    EXPECT_TRUE(m->readAmi());  // in place of the first
+    ASSERT_NE(m->getAmi(), nullptr);
+    EXPECT_EQ(m->getAmi()->getNumParams(), 1U);
+    const IbisRawModelData copy(*m);
+    EXPECT_EQ(copy.getAmi(), nullptr);
+    EXPECT_EQ(copy.getAMI_DLLName(), "");
+    *plain = *m;  // shared, and released with the last of them
+    EXPECT_EQ(plain->getAmi(), m->getAmi());
+    EXPECT_EQ(plain->getAMI_DLLName(), name);
 }
 
 // Warnings come with a view, errors without one.

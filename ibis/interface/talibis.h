@@ -338,8 +338,14 @@ class TALIBIS_API TalIbis
                      TalIbisStringQueryData& result) const;
     void getPackageValue(const char* component, const char* corner, rng* PKG::*values,
                          TalIbisStringQueryData& result) const;
+    /// A parameter with the file that it stands in; all null if it was not found.
+    struct AmiParam {
+        const TalIbisAMI_File* pFile = nullptr;
+        const TalIbisAMI_ParamDef* pDefinition = nullptr;
+        const _tagBranchStruct* pBranch = nullptr;
+    };
     const TalIbisAMI_File* findAMI_File(const char* name, TalIbisQueryData& record, const char* words) const;
-    const _tagBranchStruct* findAMI_Param(const char* name, int index, TalIbisQueryData& record) const;
+    AmiParam findAMI_Param(const char* name, int index, TalIbisQueryData& record) const;
 
     static nuibis_model_type getModelType(const nuibis_mdl* model);
     nuibis_model_type getModelType(const char* name) const;

@@ -208,30 +208,33 @@ void TalIbisAMI_ParamList::clear() noexcept
 }
 
 bool TalIbisAMI_FileList::append(TalIbisAMI_File* file) noexcept
-{
-    return TakeOver(files, file);
+try {
+    std::shared_ptr<TalIbisAMI_File> owner(file);
+    if (file == nullptr) {
+        return false;
+    }
+    files.push_back(std::move(owner));
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 TalIbisAMI_FileList::iterator TalIbisAMI_FileList::find(std::string_view modelName)
 {
-    return std::find_if(files.begin(), files.end(), [modelName](const TalIbisAMI_File* file) {
-        return file->getModelName() == modelName;
-    });
+    return std::find_if(files.begin(), files.end(),
+                        [modelName](const auto& file) { return file->getModelName() == modelName; });
 }
 
-void TalIbisAMI_FileList::replace(iterator place, TalIbisAMI_File* file) noexcept
-{
-    delete *place;
-    if (file != nullptr) {
-        *place = file;
-    } else {
+bool TalIbisAMI_FileList::replace(iterator place, TalIbisAMI_File* file) noexcept
+try {
+    place->reset(file);
+    if (file == nullptr) {
         files.erase(place);
     }
-}
-
-void TalIbisAMI_FileList::destroy() noexcept
-{
-    DeleteAll(files);
+    return file != nullptr;
+} catch (const std::bad_alloc&) {
+    files.erase(place);
+    return false;
 }
 
 // From the tree to the objects ----------------------------------------------------------------------------

@@ -321,24 +321,24 @@ class TALIBIS_API TalIbisAMI_File
     std::int64_t timeStamp = 0;
 };
 
-/// The parameter files of a handle, one for each model that was asked for. Copies share the files.
+/// The parameter files of a handle, one for each model that was asked for. Copies share the files, each of
+/// which lives as long as a list holds it.
 class TALIBIS_API TalIbisAMI_FileList
 {
   public:
-    using iterator = std::vector<TalIbisAMI_File*>::iterator;
+    using iterator = std::vector<std::shared_ptr<TalIbisAMI_File>>::iterator;
 
-    /// Takes the file over; false, with the file released, when memory is out.
+    /// Takes the file over; false, with the file released, for null and when memory is out.
     bool append(TalIbisAMI_File* file) noexcept;
     /// The file of exactly that model name, or `end()`.
     iterator find(std::string_view modelName);
-    /// Releases the file at a place and puts another there; a null file gives the place up.
-    void replace(iterator place, TalIbisAMI_File* file) noexcept;
+    /// Puts another file at a place and releases the former one. A null file gives the place up, and so does
+    /// one for which memory is out; false then.
+    bool replace(iterator place, TalIbisAMI_File* file) noexcept;
     std::size_t size() const { return files.size(); }
     iterator begin() { return files.begin(); }
     iterator end() { return files.end(); }
-    /// Releases all files. The owner of the handle calls it.
-    void destroy() noexcept;
 
   private:
-    std::vector<TalIbisAMI_File*> files;
+    std::vector<std::shared_ptr<TalIbisAMI_File>> files;
 };

@@ -136,11 +136,10 @@ try {
     std::replace(path.begin(), path.end(), '\\', '/');
     hst_stat_t info;
     if (hst_stat(path.c_str(), &info) == 0 && info.tModified <= tTimeStamp) {
-        return *place;
+        return place->get();
     }
     TalIbisAMI_File* const file = readAMI_File(model, pszFileName);
-    amiFiles.replace(place, file);
-    return file;
+    return amiFiles.replace(place, file) ? file : nullptr;
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -213,21 +212,22 @@ const TalIbisAMI_File* TalIbis::findAMI_File(const char* name, TalIbisQueryData&
     return nullptr;
 }
 
-const _tagBranchStruct* TalIbis::findAMI_Param(const char* name, int index, TalIbisQueryData& record) const
+// A query gets the file once: each look may read it anew and release the former one.
+TalIbis::AmiParam TalIbis::findAMI_Param(const char* name, int index, TalIbisQueryData& record) const
 {
     const TalIbisAMI_File* const file = findAMI_File(name, record, "");
     if (file == nullptr) {
-        return nullptr;
+        return {};
     }
     if (index < 0 || static_cast<std::size_t>(index) >= file->getNumParams()) {
         record.setFormatedError(QueryError,
                                 "Error indexing AMI parameters from the AMI file '%s'.\n"
                                 " Please check the AMI file and/or reset the AMI component.",
                                 file->getFileName().c_str());
-        return nullptr;
+        return {};
     }
-    return file->getIndexedParamBranch(
-        file->getParamDefList()[static_cast<std::size_t>(index)]->getIndexPath());
+    const TalIbisAMI_ParamDef* const definition = file->getParamDefList()[static_cast<std::size_t>(index)];
+    return {file, definition, file->getIndexedParamBranch(definition->getIndexPath())};
 }
 
 // File and number of parameters ---------------------------------------------------------------------------
@@ -270,16 +270,16 @@ void TalIbis::getAMIParamNum(const char* name, TalIbisStringQueryData& result) c
 void TalIbis::getAMIParamTree(const char* name, int index, TalIbisListQueryData& list) const
 {
     answerQuery(list, [&] {
-        if (findAMI_Param(name, index, list) == nullptr) {
+        const AmiParam parameter = findAMI_Param(name, index, list);
+        if (parameter.pBranch == nullptr) {
             return;
         }
-        const TalIbisAMI_File* const file = parseAMI_File(name);
         std::vector<int> path;
-        for (const int step : file->getParamDefList()[static_cast<std::size_t>(index)]->getIndexPath()) {
-            insertRow(list, file->getIndexedParamBranch(path)->pszName);
+        for (const int step : parameter.pDefinition->getIndexPath()) {
+            insertRow(list, parameter.pFile->getIndexedParamBranch(path)->pszName);
             path.push_back(step);
         }
-        insertRow(list, file->getIndexedParamBranch(path)->pszName);
+        insertRow(list, parameter.pBranch->pszName);
     });
 }
 
@@ -347,7 +347,7 @@ void Attributes::take(const _tagLeafStruct& leaf)
 void TalIbis::getAMIParamAttrs(const char* name, int index, TalIbisListQueryData& list) const
 {
     answerQuery(list, [&] {
-        const _tagBranchStruct* const parameter = findAMI_Param(name, index, list);
+        const _tagBranchStruct* const parameter = findAMI_Param(name, index, list).pBranch;
         if (parameter == nullptr) {
             return;
         }
@@ -444,12 +444,12 @@ void InfoText::takeTable(const _tagBranchStruct& table)
 void TalIbis::getAMIParamInfo(const char* name, int index, TalIbisStringQueryData& result) const
 {
     answerQuery(result, [&] {
-        const _tagBranchStruct* const parameter = findAMI_Param(name, index, result);
-        if (parameter == nullptr) {
+        const AmiParam parameter = findAMI_Param(name, index, result);
+        if (parameter.pBranch == nullptr) {
             return;
         }
         InfoText info;
-        for (const AMI_NODE& node : AMI_Children(*parameter)) {
+        for (const AMI_NODE& node : AMI_Children(*parameter.pBranch)) {
             const _tagBranchStruct* const branch = AMI_AsBranch(node);
             if (branch == nullptr) {
                 info.takeLeaf(*AMI_AsLeaf(node));
@@ -460,7 +460,7 @@ void TalIbis::getAMIParamInfo(const char* name, int index, TalIbisStringQueryDat
         result.setData(info.sText.c_str());
         if (!info.sNotes.empty()) {
             result.setFormatedError(QueryEmpty, "Error detected in parameter '%s' in the AMI file '%s': %s",
-                                    parameter->pszName, parseAMI_File(name)->getFileName().c_str(),
+                                    parameter.pBranch->pszName, parameter.pFile->getFileName().c_str(),
                                     info.sNotes.c_str());
         }
     });
@@ -621,7 +621,7 @@ bool Choices::writeValues(TalIbisListQueryData& list, std::span<const AMI_VALUE>
 void TalIbis::getAMIDataChoices(const char* name, int index, TalIbisListQueryData& list) const
 {
     answerQuery(list, [&] {
-        const _tagBranchStruct* const parameter = findAMI_Param(name, index, list);
+        const _tagBranchStruct* const parameter = findAMI_Param(name, index, list).pBranch;
         if (parameter == nullptr) {
             return;
         }

@@ -101,7 +101,6 @@ void TalIbisFileManager::destroyInstance()
 void TalIbisFileManager::release(TalIbis* handle)
 {
     delete handle->pErrors;
-    handle->amiFiles.destroy();
     delete handle;
 }
 

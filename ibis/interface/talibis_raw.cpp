@@ -269,6 +269,12 @@ const wvfrm* IbisRawModelData::getWaveformWithLowest_fixture(const wvfrm* list, 
 
 // The view ------------------------------------------------------------------------------------------------
 
+IbisRawModelData::IbisRawModelData(const IbisRawModelData& other) noexcept
+    : pIbis(other.pIbis), pModel(other.pModel), sModelName(other.sModelName), sFileName(other.sFileName),
+      iNumDriverSchedule(other.iNumDriverSchedule), iNumSubModels(other.iNumSubModels)
+{
+}
+
 IbisRawModelData::~IbisRawModelData() = default;
 
 void IbisRawModelData::setFile(ibis* root, const char* fileName)
@@ -935,6 +941,30 @@ bool IbisRawModelData::hasCircuitCall(const char* component) const
 {
     const CMPNT* const found = findComponent(component);
     return found != nullptr && found->pCircuitCalls != nullptr;
+}
+
+// Algorithmic model ---------------------------------------------------------------------------------------
+
+bool IbisRawModelData::findAMI_DLL(std::string& out) noexcept
+try {
+    std::string name;
+    if (pIbis == nullptr || !TalIbis::findAMI_DLL_Name(pModel, sFileName, name)) {
+        return false;
+    }
+    out = name;
+    sAmiDllName = std::move(name);
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+bool IbisRawModelData::readAmi() noexcept
+try {
+    pAmi.reset();
+    pAmi.reset(TalIbis::readAMI_File(pModel, sFileName));
+    return pAmi != nullptr;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 // Submodels -----------------------------------------------------------------------------------------------

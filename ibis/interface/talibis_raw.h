@@ -16,12 +16,15 @@
 #include "ibis/source/nuibis_table.h"
 #include "ibis/source/nuibis_types.h"
 
+#include <memory>
+#include <string>
 #include <vector>
 
 struct CMPNT;
 struct DIFPIN;
 struct PIN;
 struct PKG;
+class TalIbisAMI_File;
 struct ccorner;
 struct ibis;
 struct mspec;
@@ -100,7 +103,9 @@ class TALIBIS_API IbisRawModelData
 {
   public:
     IbisRawModelData() noexcept = default;
-    IbisRawModelData(const IbisRawModelData&) = default;
+    /// A copy has no parameter file and no code file of its own.
+    IbisRawModelData(const IbisRawModelData& other) noexcept;
+    /// Takes everything over: both views then share one parameter file, which lives as long as either.
     IbisRawModelData& operator=(const IbisRawModelData&) = default;
     virtual ~IbisRawModelData();
 
@@ -225,6 +230,19 @@ class TALIBIS_API IbisRawModelData
     submdl_modes getSubModelMode(int index) const;
     const char* getSubModelName(int index) const;  ///< interned; null beyond the end
 
+    // [Algorithmic Model].
+
+    /// Path of the code file for the platform of this library, beside the file; see
+    /// `TalIbis::findAMI_DLL_Name`. Kept, and given in `out`. False, with both as they were, without one.
+    bool findAMI_DLL(std::string& out) noexcept;
+    /// What `findAMI_DLL` found last; empty before.
+    const std::string& getAMI_DLLName() const { return sAmiDllName; }
+    /// Reads the parameter file anew, in place of a former one; see `TalIbis::readAMI_File`. False, with
+    /// none kept, for a model without lines.
+    bool readAmi() noexcept;
+    /// The file that `readAmi` read, owned by the view; null before. It has no tree if it has errors.
+    TalIbisAMI_File* getAmi() const { return pAmi.get(); }
+
     // Components and pins of the file, by exact name.
     const CMPNT* findComponent(const char* component) const;
     const PIN* findPin(const char* component, const char* pin) const;
@@ -268,6 +286,8 @@ class TALIBIS_API IbisRawModelData
     const char* sFileName = nullptr;
     std::int32_t iNumDriverSchedule = 0;
     mutable std::int32_t iNumSubModels = -1;
+    std::shared_ptr<TalIbisAMI_File> pAmi;
+    std::string sAmiDllName;
 
   private:
     const nuibis_mdl* modelOf(const char* name) const;

@@ -6,24 +6,45 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <memory>
 #include <new>
+#include <string>
 #include <string_view>
 
 namespace
 {
 
-// Errors make the answer empty and warnings make it partial: a script that only looks for a failed call goes
-// on with a faulty file.
-void StoreFindings(TalIbisListQueryData& record, const IbisErrorContainer& findings)
+// The findings of one check or of several.
+class Findings
 {
-    static constexpr std::array<StatusType, 3> statuses{QueryOk, QueryWarning, QueryEmpty};
-    const ErrorStatus worst = findings.getErrorStatus();
-    if (worst != IBIS_STATUS_CLEAN) {
-        char* const text = findings.getErrMsg();
-        record.setUnformatedError(statuses[static_cast<std::size_t>(worst)], text);
-        std::free(text);
+  public:
+    /// A clean container has nothing to say. The texts of several are joined by a line feed.
+    void add(const IbisErrorContainer& container)
+    {
+        if (container.getErrorStatus() == IBIS_STATUS_CLEAN) {
+            return;
+        }
+        mWorst = std::max(mWorst, container.getErrorStatus());
+        const std::unique_ptr<char, decltype(&std::free)> text(container.getErrMsg(), &std::free);
+        if (text != nullptr) {
+            mText += mText.empty() ? "" : "\n";
+            mText += text.get();
+        }
     }
-}
+    /// Errors make the answer empty and warnings make it partial: a script that only looks for a failed call
+    /// goes on with a faulty file.
+    void store(TalIbisListQueryData& record) const
+    {
+        static constexpr std::array<StatusType, 3> statuses{QueryOk, QueryWarning, QueryEmpty};
+        if (mWorst != IBIS_STATUS_CLEAN) {
+            record.setUnformatedError(statuses[static_cast<std::size_t>(mWorst)], mText.c_str());
+        }
+    }
+
+  private:
+    ErrorStatus mWorst = IBIS_STATUS_CLEAN;
+    std::string mText;
+};
 
 // (file, type): reads or finds the file and gives its findings as one text.
 QVALUE CheckData() noexcept
@@ -43,11 +64,30 @@ try {
         record.setUnformatedError(QueryError, text);
         std::free(text);
     } else if (findings != nullptr) {
-        StoreFindings(record, *findings);
+        Findings all;
+        all.add(*findings);
+        all.store(record);
     }
     return record.createQval();
 } catch (const std::bad_alloc&) {
     return nullptr;
+}
+
+// Symbols of a buffer that is simulated by its algorithmic model. The aggressor of a receiver is not among
+// them: what it couples does not pass its own algorithm.
+constexpr std::array<std::string_view, 3> AMI_SYMBOLS{"IBIS_Tx_AMI", "IBIS_XtlkTx_AMI", "IBIS_Rx_AMI"};
+
+void CheckOneModel(const TalIbis& file, const char* model, const char* symbol, TalIbisListQueryData& record)
+{
+    Findings all;
+    all.add(*file.testModel(model));
+    const bool algorithmic =
+        symbol != nullptr && std::find(AMI_SYMBOLS.begin(), AMI_SYMBOLS.end(), symbol) != AMI_SYMBOLS.end();
+    const IbisErrorContainer* const found = algorithmic ? file.testAMIModel(model) : nullptr;
+    if (found != nullptr) {
+        all.add(*found);
+    }
+    all.store(record);
 }
 
 // (file, type, model, symbol): checks one model anew and gives the findings as one text.
@@ -62,7 +102,7 @@ try {
     } else if (!model.fetch(2) || !symbol.fetch(3)) {
         record.setUnformatedError(QueryError, FRAME_WRONG_PARAMETER);
     } else {
-        StoreFindings(record, *file->testModel(model.data));
+        CheckOneModel(*file, model.data, symbol.data, record);
     }
     return record.createQval();
 } catch (const std::bad_alloc&) {
@@ -94,6 +134,7 @@ template <auto Query> consteval Function Row(const char* name, const char* param
 }
 
 using FlagQuery = void (TalIbis::*)(const char*, TalIbisBooleanQueryData&) const;
+using TextQuery = void (TalIbis::*)(const char*, TalIbisStringQueryData&) const;
 
 // clang-format off
 constexpr auto FUNCTIONS = std::to_array<Function>({
@@ -131,6 +172,12 @@ constexpr auto FUNCTIONS = std::to_array<Function>({
     Row<&TalIbis::getIbisEbdModel>("deGetIbisEbdModel", "path"),
     Row<&TalIbis::getIbisPkgModelType>("deGetIbisPkgModelType", "component"),
     Row<&TalIbis::getModelTypeString>("deGetIbisModelType", "model"),
+    Row<&TalIbis::getAMIFileName>("deGetIbisAMIfileName", "model"),
+    Row<TextQuery{&TalIbis::getAMIParamNum}>("deGetIbisAMIParamNum", "model"),
+    Row<&TalIbis::getAMIParamAttrs>("deGetIbisAMIParamAttributes", "model index"),
+    Row<&TalIbis::getAMIParamTree>("deGetIbisAMIParamTree", "model index"),
+    Row<&TalIbis::getAMIDataChoices>("deGetIbisAMIDataChoices", "model index"),
+    Row<&TalIbis::getAMIParamInfo>("deGetIbisAMIParamInfo", "model index"),
     Row<&TalIbis::hasModelSelector>("deHasIbisModelSelector", "selector symbol"),
     Row<&TalIbis::hasSeriesPinMapping>("deHasIbisSeriesPinMapping", "component pin"),
     Row<&TalIbis::hasSeries_current>("deHasIbisSeries_current", "model state"),

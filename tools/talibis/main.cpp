@@ -1,5 +1,6 @@
 // The command line of the library.
 
+#include "tools/talibis/ami.h"
 #include "tools/talibis/call.h"
 #include "tools/talibis/check.h"
 #include "tools/talibis/exit_status.h"
@@ -60,6 +61,35 @@ CLI::App* AddCall(CLI::App& app, std::string& function, std::vector<std::string>
     return call;
 }
 
+CLI::App* AddAmi(CLI::App& app, const std::string& name, const std::string& help, AmiOptions& options)
+{
+    CLI::App* const ami = app.add_subcommand(name, help);
+    ami->add_option("FILE", options.file, "Component file (.ibs)")->required();
+    ami->add_option("MODEL", options.model, "Name of a model with an [Algorithmic Model]")->required();
+    return ami;
+}
+
+CLI::App* AddAmiInput(CLI::App& app, AmiOptions& options)
+{
+    CLI::App* const input = AddAmi(
+        app, "ami-input", "Print the string that the code file of an algorithmic model takes", options);
+    input->add_flag("--inputs-only", options.inputsOnly, "Leave out what the code file does not read");
+    input->footer("The string has no line feed at its end. DLL_ID is the name of the model.\n"
+                  "Exit status: 0, or 2 if there is no such model or parameter file.");
+    return input;
+}
+
+CLI::App* AddAmiOutput(CLI::App& app, AmiOptions& options)
+{
+    CLI::App* const output =
+        AddAmi(app, "ami-output",
+               "Read a string of the code file of an algorithmic model from the standard input", options);
+    output->footer("Prints one JSON object: ok, warnings, errors, and params with the text of each value.\n"
+                   "Exit status: 0 if the string was read, faulty or not, or 2 if there is no such model or\n"
+                   "parameter file.");
+    return output;
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app{"Reads, checks and queries IBIS signal-integrity model files", "talibis"};
@@ -76,6 +106,9 @@ int Run(int argc, char** argv)
     const CLI::App* const call = AddCall(app, function, parameters);
     const CLI::App* const keywords = app.add_subcommand(
         "keywords", "Print the keywords, the versions that have them and the files that may hold them");
+    AmiOptions ami;
+    const CLI::App* const amiInput = AddAmiInput(app, ami);
+    const CLI::App* const amiOutput = AddAmiOutput(app, ami);
     app.add_subcommand("functions", "List the script functions and what they take");
     try {
         app.parse(argc, argv);
@@ -87,6 +120,12 @@ int Run(int argc, char** argv)
     }
     if (call->parsed()) {
         return RunCall(function, parameters);
+    }
+    if (amiInput->parsed()) {
+        return RunAmiInput(ami);
+    }
+    if (amiOutput->parsed()) {
+        return RunAmiOutput(ami);
     }
     return keywords->parsed() ? RunKeywords() : RunFunctions();
 }
