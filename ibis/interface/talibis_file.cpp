@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <new>
 
 namespace
@@ -138,13 +139,13 @@ try {
     if (!readIbisFile(key, type, &version) || CurrentRoot() == nullptr) {
         return nullptr;
     }
-    auto* const handle = new TalIbis(key, type, version);
+    auto handle = std::make_unique<TalIbis>(key, type, version);
     handle->setIbis(CurrentRoot());
-    handle->setErrorContainer(*MSG_GetContainer());
     // "Read at": a file that is touched in the second of its read counts as unchanged.
     handle->setFileTimeStamp(hst_time());
-    add(key, type, handle);
-    return handle;
+    add(key, type, handle.get());
+    handle->setErrorContainer(*MSG_GetContainer());
+    return handle.release();
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
