@@ -7,7 +7,6 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace
 {
@@ -40,7 +39,6 @@ std::array<Severity, 5> gaSeverities{{
 }};
 
 bool gbPlainMessages = true;
-std::unique_ptr<IbisErrorContainer> gpOwnContainer;  // made on first use, lives with the process
 IbisErrorContainer* gpErrorContainer = nullptr;
 std::FILE* gpSummaryStream = nullptr;
 MSG_Listener gpListener = nullptr;
@@ -310,10 +308,8 @@ void MSG_SetSummaryStream(std::FILE* stream)
 IbisErrorContainer* MSG_GetContainer()
 {
     if (gpErrorContainer == nullptr) {
-        if (gpOwnContainer == nullptr) {
-            gpOwnContainer = std::make_unique<IbisErrorContainer>();
-        }
-        gpErrorContainer = gpOwnContainer.get();
+        static IbisErrorContainer own;
+        gpErrorContainer = &own;
     }
     return gpErrorContainer;
 }
