@@ -111,11 +111,12 @@ struct File {
 const std::string WAVEFORM = "[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\nV_fixture_min = 0\n0 0 0 0\n"
                              "1n 1.65 1.5 1.8\n[Composite Current]\n0 0 0 0\n1n 1m 1m 1m\n";
 const std::string PACKAGE =
-    "[Define Package Model] P\n[Manufacturer] Acme\n[OEM] Acme\n[Description] Test\n[Number Of Pins] 2\n"
+    "[Define Package Model] RICH_P\n[Manufacturer] Acme\n[OEM] Acme\n[Description] Test\n[Number Of Pins] 2\n"
     "[Pin Numbers]\n1\n2\n[Model Data]\n[Resistance Matrix] Banded_matrix\n[Bandwidth] 0\n[Row] 1\n1\n"
     "[Row] 2\n1\n[Inductance Matrix] Full_matrix\n[Row] 1\n1n 0\n[Row] 2\n1n\n[Capacitance Matrix] "
     "Sparse_matrix\n[Row] 1\n1 1p\n2 0\n[Row] 2\n2 1p\n[End Model Data]\n[End Package Model]\n"
-    "[Define Package Model] Q\n[Manufacturer] Acme\n[OEM] Acme\n[Description] Test\n[Number Of Sections] 2\n"
+    "[Define Package Model] RICH_Q\n[Manufacturer] Acme\n[OEM] Acme\n[Description] Test\n[Number Of "
+    "Sections] 2\n"
     "[Number Of Pins] 2\n[Pin Numbers]\n1 Len=1 L=1n / Fork Len=0 C=1p / Endfork Len=1 /\n"
     "2 Len=0 R=1 / Len=1 L=1n C=1p /\n[End Package Model]\n";
 const std::string PARAMETERS =
@@ -129,7 +130,7 @@ std::string RichIbs()
 {
     const std::string component = Component(
         "U1", "1 S A 1 1n 1p\n2 S A 1 1n 1p\n3 S SEL 1 1n 1p\n4 S CIRCUITCALL\n5 S NC\n6 S GND\n7 S POWER\n",
-        "[Package Model] P\n[Alternate Package Models]\nP\nQ\n[End Alternate Package Models]\n"
+        "[Package Model] RICH_P\n[Alternate Package Models]\nRICH_P\nRICH_Q\n[End Alternate Package Models]\n"
         "[Pin Mapping] pulldown_ref pullup_ref gnd_clamp_ref power_clamp_ref\n1 GB PB NC NC\n2 GB PB GB PB\n"
         "6 GB NC\n7 NC PB\n[Diff Pin] inv_pin vdiff tdelay_typ tdelay_min tdelay_max\n1 2 0.2 1n NA 2n\n"
         "[Repeater Pin] tx_non_inv_pin\n1 3\n[Series Switch Groups]\nOn 1 2 /\nOff 1 /\n"
