@@ -3,7 +3,8 @@
 
 talibis_root=$(dirname -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")")
 
-talibis_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev pkgconf)
+talibis_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgtest-dev
+    libbenchmark-dev pkgconf)
 
 talibis_say() {
     printf 'talibis: %s\n' "$*" >&2

@@ -100,7 +100,7 @@ Lines StoredMessages()
 Lines MessagesOfFile(const std::string& path, ibis_file_type type)
 {
     ForgetFormerRead();
-    if (type == IBIS_FILE_AMI) {  // declares no version, so it is read on its own
+    if (type == IBIS_FILE_AMI || type == IBIS_FILE_PARAM) {  // declare no version, so they are read alone
         const IbisErrorContainer* const findings = talReadParameterFile(path.c_str(), type);
         return Texts(findings == nullptr ? *talGetIbisError(nullptr) : *findings);
     }

@@ -4,6 +4,7 @@
 #include "tools/talibis/call.h"
 #include "tools/talibis/check.h"
 #include "tools/talibis/exit_status.h"
+#include "tools/talibis/explain.h"
 #include "tools/talibis/keywords.h"
 
 #include <CLI/CLI.hpp>
@@ -61,6 +62,19 @@ CLI::App* AddCall(CLI::App& app, std::string& function, std::vector<std::string>
     return call;
 }
 
+CLI::App* AddExplain(CLI::App& app, ExplainOptions& options)
+{
+    CLI::App* const explain =
+        app.add_subcommand("explain", "Tell what a message means, how to mend the file, and show an example");
+    CLI::Option_group* const one = explain->add_option_group("What to print");
+    one->add_option("CODE", options.codes, "Numbers of messages, such as 119 or E0119");
+    one->add_flag("--list", options.list, "Number and text of every message");
+    one->add_flag("--markdown", options.markdown, "All messages as one document");
+    one->add_option("--write", options.folder, "Write every example to DIR/NUMBER")->type_name("DIR");
+    one->require_option(1);
+    return explain;
+}
+
 CLI::App* AddAmi(CLI::App& app, const std::string& name, const std::string& help, AmiOptions& options)
 {
     CLI::App* const ami = app.add_subcommand(name, help);
@@ -104,6 +118,8 @@ int Run(int argc, char** argv)
     std::string function;
     std::vector<std::string> parameters;
     const CLI::App* const call = AddCall(app, function, parameters);
+    ExplainOptions explainOptions;
+    const CLI::App* const explain = AddExplain(app, explainOptions);
     const CLI::App* const keywords = app.add_subcommand(
         "keywords", "Print the keywords, the versions that have them and the files that may hold them");
     AmiOptions ami;
@@ -120,6 +136,9 @@ int Run(int argc, char** argv)
     }
     if (call->parsed()) {
         return RunCall(function, parameters);
+    }
+    if (explain->parsed()) {
+        return RunExplain(explainOptions);
     }
     if (amiInput->parsed()) {
         return RunAmiInput(ami);
