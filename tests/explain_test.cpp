@@ -51,11 +51,12 @@ TEST(Explain, TellsMeaningExampleAndFinding)
                                 "talibis check --caution example.ibs:\n"
                                 "\n";
     const std::size_t at = result.out.find(second);
-    EXPECT_EQ(result.out.substr(0, at), "5304  Incorrect Number of Line Items (%d) For %s: Expecting %d\n"
-                                        "\n"
-                                        "No example:\n"
-                                        "No path: the check stands, but no version has the keyword [Merged Pins], so no\n"
-                                        "package has merged pins.\n");
+    EXPECT_EQ(result.out.substr(0, at),
+              "5304  Incorrect Number of Line Items (%d) For %s: Expecting %d\n"
+              "\n"
+              "No example:\n"
+              "No path: the check stands, but no version has the keyword [Merged Pins], so no\n"
+              "package has merged pins.\n");
     EXPECT_NE(result.out.find(finding, at), std::string::npos);
     EXPECT_NE(result.out.find("ERROR (line   18) - Voltage Range Already Defined For Model 'M'", at),
               std::string::npos);
