@@ -92,6 +92,17 @@ std::string WriteTestFile(std::string_view name, std::string_view content)
     return path;
 }
 
+QuietTotals::QuietTotals() : mpFile(std::fopen("/dev/null", "w"))
+{
+    MSG_SetSummaryStream(mpFile);
+}
+
+QuietTotals::~QuietTotals()
+{
+    MSG_SetSummaryStream(nullptr);
+    std::fclose(mpFile);
+}
+
 Lines StoredMessages()
 {
     return Texts(*MSG_GetContainer());

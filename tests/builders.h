@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
 #include <initializer_list>
 #include <string>
@@ -32,6 +33,18 @@ Lines Messages(std::string_view content, std::string_view name = "t.ibs");
 Lines StoredMessages();
 /// The same as `Messages` for a file that is there already.
 Lines MessagesOfFile(const std::string& path, ibis_file_type type);
+/// Keeps the totals that a nested read of a board's component prints out of a test's output.
+class QuietTotals
+{
+  public:
+    QuietTotals();
+    ~QuietTotals();
+    QuietTotals(const QuietTotals&) = delete;
+    QuietTotals& operator=(const QuietTotals&) = delete;
+
+  private:
+    std::FILE* mpFile;
+};
 /// Only the messages that hold `part`.
 Lines MessagesWith(std::string_view part, std::string_view content, std::string_view name = "t.ibs");
 /// What calls of the parser core say that belong to no file: as on line 0 of a file of version 5.

@@ -1,13 +1,11 @@
 // What happens when memory runs out: at each allocation of a read, and at each one of a query.
 
 #include "ibis/interface/talibis_tool.h"
-#include "ibis/source/nuibis_msg.h"
 #include "platform/qelrt_inspect.h"
 #include "tests/builders.h"
 #include "tests/everything.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -193,23 +191,6 @@ std::vector<File> Files()
             {"old.ibs", IBIS_FILE_IBS, "ibs", Header("1.1", "old.ibs") + old + "[End]\n"}};
 }
 
-// The totals behind the nested read of a board's component have no place in a test's output.
-class NoTotals
-{
-  public:
-    NoTotals() : mpFile(std::fopen("/dev/null", "w")) { MSG_SetSummaryStream(mpFile); }
-    ~NoTotals()
-    {
-        MSG_SetSummaryStream(nullptr);
-        std::fclose(mpFile);
-    }
-    NoTotals(const NoTotals&) = delete;
-    NoTotals& operator=(const NoTotals&) = delete;
-
-  private:
-    std::FILE* mpFile;
-};
-
 // Reads the file with failures as armed and gives the numbers of its messages.
 std::vector<int> CodesOf(const File& file)
 {
@@ -229,7 +210,7 @@ std::vector<int> CodesOf(const File& file)
 
 TEST(Memory, EachAllocationOfAReadMayFail)
 {
-    const NoTotals quiet;
+    const QuietTotals quiet;
     for (const File& file : Files()) {
         SCOPED_TRACE(file.name);
         WriteTestFile(file.name, file.text);
@@ -249,7 +230,7 @@ TEST(Memory, EachAllocationOfAReadMayFail)
 
 TEST(Memory, AReadThatRanOutOfMemoryAnswersQueries)
 {
-    const NoTotals quiet;
+    const QuietTotals quiet;
     const File file = Files().front();
     WriteTestFile(file.name, file.text);
     bool struck = true;
@@ -267,7 +248,7 @@ TEST(Memory, AReadThatRanOutOfMemoryAnswersQueries)
 
 TEST(Memory, EachAllocationOfAQueryMayFail)
 {
-    const NoTotals quiet;
+    const QuietTotals quiet;
     for (const File& file : Files()) {
         if (file.pszWord == nullptr || file.name == "old.ibs") {
             continue;  // these have no handle
@@ -292,7 +273,7 @@ TEST(Memory, EachAllocationOfAQueryMayFail)
 
 TEST(Memory, EachAllocationOutsideTheParserMayFail)
 {
-    const NoTotals quiet;
+    const QuietTotals quiet;
     for (const File& file : Files()) {
         SCOPED_TRACE(file.name);
         const std::string path = WriteTestFile(file.name, file.text);
