@@ -501,3 +501,27 @@ TEST(AmiQueries, GeneratedChoices)
     EXPECT_EQ(many.size(), 20'002U);
     EXPECT_EQ(many.back(), "2: Only the first values are listed");
 }
+
+TEST(AmiValues, CopiesAreTheirOwnAndEachKindAnswersForItself)
+{
+    TalIbisAMI_TableValue text;
+    text.setStringValue("a");
+    TalIbisAMI_TableValue copy;
+    copy = text;
+    text.setRealValue(2.5);
+    EXPECT_STREQ(copy.getStringValue(), "a");
+    EXPECT_EQ(copy.getRealValue(), 0.0);
+    EXPECT_EQ(text.getRealValue(), 2.5);
+    EXPECT_EQ(text.getStringValue(), nullptr);
+    copy.setBooleanValue(true);
+    EXPECT_EQ(copy.getIntValue(), 1);
+
+    TalIbisAMI_Value value;
+    value.setStringValue("x");
+    TalIbisAMI_Value other;
+    other = value;
+    value.setRealValue(1.5);
+    EXPECT_STREQ(other.getStringValue(), "x");
+    EXPECT_EQ(other.getRealValue(), 0.0);
+    EXPECT_EQ(value.getRealValue(), 1.5);
+}

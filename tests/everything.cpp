@@ -163,6 +163,53 @@ constexpr Waveform WAVEFORMS[] = {&IbisRawModelData::getRisingWavefromWithHighes
 constexpr PinNumber PINS[] = {&IbisRawModelData::getR_pin, &IbisRawModelData::getL_pin,
                               &IbisRawModelData::getC_pin};
 
+using Flag = bool (IbisRawModelData::*)() const;
+using ComponentFlag = bool (IbisRawModelData::*)(const char*) const;
+using PackageNumber = bool (IbisRawModelData::*)(const char*, IbisDataType, double&) const;
+
+constexpr Flag FLAGS[] = {
+    &IbisRawModelData::isPullupRequired,      &IbisRawModelData::isPulldownRequired,
+    &IbisRawModelData::hasRisingWaveform2,    &IbisRawModelData::hasFallingWaveform2,
+    &IbisRawModelData::hasModelSpec,          &IbisRawModelData::hasReceiverThresholds,
+    &IbisRawModelData::hasAddSubModel,        &IbisRawModelData::hasExternalRef,
+    &IbisRawModelData::hasExternalModel,      &IbisRawModelData::hasOnOffState,
+    &IbisRawModelData::hasDriverSchedule,     &IbisRawModelData::isAmi,
+    &IbisRawModelData::hasSubModel,           &IbisRawModelData::hasExternalCircuit,
+    &IbisRawModelData::hasDefinePackageModel,
+};
+constexpr ComponentFlag COMPONENT_FLAGS[] = {
+    &IbisRawModelData::hasSeriesGroup, &IbisRawModelData::hasPackageModel,
+    &IbisRawModelData::hasNodeDeclaration, &IbisRawModelData::hasCircuitCall};
+constexpr PackageNumber PACKAGE[] = {&IbisRawModelData::getR_pkg, &IbisRawModelData::getL_pkg,
+                                     &IbisRawModelData::getC_pkg};
+
+std::size_t AskWords(const IbisRawModelData& view, const Arguments& arguments)
+{
+    double value = 0.0;
+    nuibis_model_type type{};
+    nuibis_model_polarity polarity{};
+    nuibis_model_enable enable{};
+    view.getModelType();
+    view.getModelType(type);
+    view.getPolarity(polarity);
+    view.getEnableType(enable);
+    view.getVinl(value);
+    view.getVinh(value);
+    for (const Flag flag : FLAGS) {
+        (view.*flag)();
+    }
+    for (const std::string& component : arguments.of("component")) {
+        for (const ComponentFlag flag : COMPONENT_FLAGS) {
+            (view.*flag)(component.c_str());
+        }
+        for (const PackageNumber number : PACKAGE) {
+            (view.*number)(component.c_str(), IBIS_DATA_MIN, value);
+        }
+    }
+    return 6 + std::size(FLAGS) +
+           arguments.of("component").size() * (std::size(COMPONENT_FLAGS) + std::size(PACKAGE));
+}
+
 std::size_t AskCorners(const IbisRawModelData& view)
 {
     std::size_t calls = 0;
@@ -229,7 +276,8 @@ std::size_t AskEverything(const TalIbis& file, std::string_view typeWord, std::s
     for (const std::string& model : arguments.of("model")) {
         const std::unique_ptr<IbisRawModelData> view(file.getIbisRawModelData(model.c_str()));
         if (view != nullptr) {
-            calls += AskCorners(*view) + AskPins(*view, arguments) + AskParts(*view);
+            calls +=
+                AskWords(*view, arguments) + AskCorners(*view) + AskPins(*view, arguments) + AskParts(*view);
         }
     }
     return calls;

@@ -185,3 +185,18 @@ TEST(ErrorContainer, CopiesAreDeepAndTextsJoin)
     second = *&second;
     EXPECT_EQ(second.getNumErrors(), 2U);
 }
+
+TEST(ErrorMessage, CopiesAreDeep)
+{
+    IbisErrorMessage first(MSG_TYPE_ERROR, "a");
+    const IbisErrorMessage second(first);
+    first = IbisErrorMessage(MSG_TYPE_WARNING, "b");
+    EXPECT_STREQ(second.getErrMsg(), "a");
+    EXPECT_EQ(second.getType(), MSG_TYPE_ERROR);
+    EXPECT_STREQ(first.getErrMsg(), "b");
+}
+
+TEST(Message, AFailedAssertionTellsItsPlaceAndEndsTheProcess)
+{
+    EXPECT_DEATH(MSG_AssertionFailed("nuibis_x.cpp", 7), "nuibis_x.cpp:7:assertion failed\\.");
+}
