@@ -5,5 +5,7 @@ source "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/scripts/setup.sh"
 
 talibis_build release all
 
+talibis_make_locale
+
 cd -- "$talibis_root"
 exec ctest --preset release --parallel "$(nproc)" "$@"

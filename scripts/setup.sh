@@ -48,6 +48,18 @@ talibis_quietly() {
     return "$status"
 }
 
+# Makes a locale whose decimal point is a comma, for the tests that a number reads alike in every locale, and
+# has the programs that follow find it.
+talibis_make_locale() {
+    talibis_require_packages locales || return
+    local folder=$talibis_root/build/locale
+    if [[ ! -d $folder/de_DE.UTF-8 ]] && command -v localedef >/dev/null; then
+        mkdir -p -- "$folder"
+        talibis_quietly localedef --no-archive -i de_DE -f UTF-8 "$folder/de_DE.UTF-8" || return
+    fi
+    export LOCPATH=$folder
+}
+
 # A build tree counts as configured when its last configuration succeeded for this very checkout; one that
 # came along with a copied or moved checkout does not.
 talibis_is_configured() {
