@@ -143,6 +143,18 @@ TEST(HostPort, NumbersReadAlikeInEveryLocale)
     }
 }
 
+// A cache that takes a file for newer than its own read drops the handle that the host has just been given.
+TEST_F(HostFiles, TheClockIsNeverBehindTheStampOfAFile)
+{
+    const std::int64_t end = hst_time() + 2;  // a second begins in between
+    while (hst_time() < end) {
+        std::ofstream("stamp") << "x";
+        hst_stat_t info;
+        ASSERT_EQ(hst_stat("stamp", &info), 0);
+        ASSERT_LE(info.tModified, hst_time());
+    }
+}
+
 TEST_F(HostFiles, StatTellsKindSizeAndTime)
 {
     std::ofstream("a.ibs") << "12345";
