@@ -21,7 +21,16 @@ const Words<ibis_file_type> FILE_TYPES{{"ibs", IBIS_FILE_IBS},
                                        {"ebd", IBIS_FILE_EBD},
                                        {"ami", IBIS_FILE_AMI},
                                        {"param", IBIS_FILE_PARAM}};
-const Words<OutputFormat> FORMATS{{"text", OutputFormat::Text}, {"json", OutputFormat::Json}};
+const Words<OutputFormat> FORMATS{{"text", OutputFormat::Text},
+                                  {"json", OutputFormat::Json},
+                                  {"gcc", OutputFormat::Gcc},
+                                  {"sarif", OutputFormat::Sarif},
+                                  {"junit", OutputFormat::Junit}};
+const Words<Colour> COLOURS{{"auto", Colour::Auto}, {"always", Colour::Always}, {"never", Colour::Never}};
+const Words<FailOn> THRESHOLDS{{"error", FailOn::Error},
+                               {"warning", FailOn::Warning},
+                               {"caution", FailOn::Caution},
+                               {"never", FailOn::Never}};
 
 // An option that takes one of some words.
 template <class Value>
@@ -38,14 +47,37 @@ CLI::App* AddCheck(CLI::App& app, CheckOptions& options)
 {
     CLI::App* const check =
         app.add_subcommand("check", "Check model files and print what is wrong with them");
-    check->add_option("FILE", options.files, "Files to check, each on its own")->required();
+    check
+        ->add_option("FILE", options.files,
+                     "Files to check, each on its own; folders, whose .ibs, .pkg, .ebd and .ami files are\n"
+                     "meant; patterns such as \"*.ibs\"; - for the standard input, with --type")
+        ->required();
     AddWordOption(*check, "--type", FILE_TYPES, options.type,
                   "Kind of the files; without it the extension tells");
     AddWordOption(*check, "--format", FORMATS, options.format, "How to print the findings");
+    AddWordOption(*check, "--color", COLOURS, options.colour,
+                  "Colours in the text; auto asks the terminal and NO_COLOR");
     check->add_flag("--caution", options.caution, "Show cautions too");
-    check->footer(
-        "Exit status: 0 no errors, 1 errors found, 2 wrong usage or a file that could not be read.\n"
-        "json prints one object a file and line: path, type, status and messages.");
+    check
+        ->add_option("--max-per-code", options.maxPerCode,
+                     "Show no more findings of one number and severity in a file")
+        ->check(CLI::Range(1, 1000000000))
+        ->type_name("N");
+    check->add_option("--waivers", options.waivers, "TOML file of the findings that are accepted")
+        ->type_name("FILE");
+    check->add_flag("--show-waived", options.showWaived, "Show waived findings too");
+    AddWordOption(*check, "--fail-on", THRESHOLDS, options.failOn,
+                  "Least severity for exit status 1, error by default;\n"
+                  "caution stands for notes too and shows cautions");
+    check
+        ->add_option("-j,--jobs", options.jobs,
+                     "Files to read side by side; without it as many as there are cores")
+        ->check(CLI::Range(1, 256))
+        ->type_name("N");
+    check->footer("Exit status: 0 nothing of the severity of --fail-on, 1 something of it, 2 wrong usage or "
+                  "a file that\n"
+                  "could not be read, 130 after Ctrl-C.\n"
+                  "json prints one object a file and line: path, type, status and messages.");
     return check;
 }
 
