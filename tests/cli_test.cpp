@@ -37,20 +37,18 @@ std::vector<json> Objects(const std::string& out)
 
 }  // namespace
 
-TEST(CommandLine, CheckPrintsTextsAndASummary)
+// Behind a 6.1 file the next one is not read under its rules: each has a process of its own.
+TEST(CommandLine, FilesAreCheckedEachOnItsOwn)
 {
-    const std::string faulty = WriteTestFile("faulty.ibs", Header("5.1", "faulty.ibs") + "[End]\n");
-    EXPECT_EQ(RunTalibis("check " + Quoted(faulty)).out,
-              "ERROR - Required keyword 'Component' not found.\n" + faulty + ": 1 error, 0 warnings\n");
-    EXPECT_EQ(RunTalibis("check " + Quoted(faulty)).status, 1);
     const std::string same = WriteTestFile("t.ibs", Ibs(Model("M"), "6.1"));
-    // Behind a 6.1 file the next one is not read under its rules: each has a process of its own.
     const Result both = RunTalibis("check " + Quoted(same) + " " + Quoted(same));
-    EXPECT_EQ(both.out, same + ": no findings\n" + same + ": no findings\n");
+    EXPECT_EQ(both.out, same + ": no findings\n" + same + ": no findings\n2 files: no findings\n");
     EXPECT_EQ(both.status, 0);
-    EXPECT_EQ(RunTalibis("check /no/such.ibs").status, 2);
-    EXPECT_EQ(RunTalibis("check " + Quoted(same) + " /no/such.ibs").out,
-              same + ": no findings\nERROR - Unable To Open File '/no/such.ibs'\n");
+    const Result missing = RunTalibis("check " + Quoted(same) + " /no/such.ibs");
+    EXPECT_EQ(missing.out,
+              same + ": no findings\n/no/such.ibs: error: Unable To Open File '/no/such.ibs' [1905]\n"
+                     "2 files: 1 error, 0 warnings; could not be read: 1 file\n");
+    EXPECT_EQ(missing.status, 2);
 }
 
 TEST(CommandLine, CheckPrintsJson)
@@ -82,10 +80,10 @@ TEST(CommandLine, CautionsAndTypesAreAsked)
     const std::string file =
         WriteTestFile("t.ibs", Ibs("[Model] M\nModel_type I/O\nVinl = 1\nVinh = 2\nVmeas = 2\nC_comp 1p 1p "
                                    "1p\n[Voltage Range] 3 3 3\n"));
-    EXPECT_EQ(RunTalibis("check " + Quoted(file)).out.find("CAUTION"), std::string::npos);
-    EXPECT_NE(
-        RunTalibis("check --caution " + Quoted(file)).out.find("CAUTION - Vmeas is >= Vinh for model M\n"),
-        std::string::npos);
+    EXPECT_EQ(RunTalibis("check --format json " + Quoted(file)).out.find("CAUTION"), std::string::npos);
+    EXPECT_NE(RunTalibis("check --format json --caution " + Quoted(file))
+                  .out.find("CAUTION - Vmeas is >= Vinh for model M\\n"),
+              std::string::npos);
     EXPECT_EQ(Objects(RunTalibis("check --format json --type param " + Quoted(file)).out)[0]["type"],
               "param");
     EXPECT_EQ(
@@ -170,8 +168,9 @@ TEST(CommandLine, FunctionsAreListedWithTheirParameters)
 
 TEST(CommandLine, WrongUsageIsOneClearLine)
 {
-    for (const char* words :
-         {"--nonsense", "check", "check --format xml x", "check --type doc x", "", "guess", "ami-input x"}) {
+    for (const char* words : {"--nonsense", "check", "check --format xml x", "check --type doc x",
+                              "check --jobs 0 x", "check --max-per-code 0 x", "check --fail-on all x",
+                              "check --color red x", "", "guess", "ami-input x"}) {
         const Result result = RunTalibis(words, true);
         EXPECT_EQ(result.status, 2) << words;
         EXPECT_TRUE(result.out.starts_with("talibis: ")) << result.out;
