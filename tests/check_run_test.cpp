@@ -135,6 +135,19 @@ std::vector<pid_t> ChildrenOf(pid_t process)
     return children;
 }
 
+// Whether the program has got as far as to catch the signal.
+bool Catches(pid_t process, int signal)
+{
+    static constexpr std::string_view CAUGHT = "SigCgt:";
+    std::ifstream file("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with(CAUGHT)) {
+            return (std::stoull(line.substr(CAUGHT.size()), nullptr, 16) >> (signal - 1) & 1U) != 0;
+        }
+    }
+    return false;
+}
+
 bool IsAlive(pid_t process)
 {
     return kill(process, 0) == 0;
@@ -281,6 +294,17 @@ TEST(CheckRun, CtrlCEndsTheRunInOrder)
     EXPECT_EQ(run.out().find("endless"), std::string::npos);
     const std::size_t erased = run.out().rfind("\r\033[K");
     EXPECT_EQ(run.out().find("files", erased), std::string::npos) << "progress is erased at the end";
+}
+
+TEST(CheckRun, CtrlCEndsTheWaitForInput)
+{
+    OnTerminal run({"--type", "ibs", "--format", "junit", "-"});
+    for (int tries = 0; tries < 1000 && !Catches(run.child(), SIGINT); ++tries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    run.type(*INTERRUPT_KEY);
+    EXPECT_EQ(run.finish(), 130);
+    EXPECT_EQ(run.out(), "^C");
 }
 
 TEST(CheckRun, ASignalLeavesAWholeDocumentAndNoTemporaryFiles)

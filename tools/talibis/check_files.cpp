@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <glob.h>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -45,14 +46,17 @@ bool IsPattern(const std::string& argument)
 // False when a signal ended the wait for input.
 bool ReadStandardInput(std::string& all)
 {
+    std::array<pollfd, 2> polls{{{STDIN_FILENO, POLLIN, 0}, {SignalCatcher::descriptor(), POLLIN, 0}}};
     std::array<char, 65536> block;
     for (;;) {
+        poll(polls.data(), polls.size(), -1);
+        if (SignalCatcher::caught() != 0) {
+            return false;
+        }
         const ssize_t got = read(STDIN_FILENO, block.data(), block.size());
         if (got > 0) {
             all.append(block.data(), static_cast<std::size_t>(got));
-        } else if (got == 0 || SignalCatcher::caught() != 0) {
-            return got == 0;
-        } else if (errno != EINTR) {
+        } else if (got == 0 || (errno != EINTR && errno != EAGAIN)) {
             return true;
         }
     }

@@ -263,7 +263,8 @@ SignalCatcher::SignalCatcher()
         gaiSignalPipe = {-1, -1};
     }
     struct sigaction action = {};
-    action.sa_handler = OnSignal;  // without SA_RESTART: a read that waits for input ends too
+    action.sa_handler = OnSignal;
+    action.sa_flags = SA_RESTART;  // output that is being written is not torn; who waits polls the descriptor
     sigemptyset(&action.sa_mask);
     for (std::size_t i = 0; i < ENDING_SIGNALS.size(); ++i) {
         sigaction(ENDING_SIGNALS[i], nullptr, &gaFormerActions[i]);
