@@ -58,8 +58,9 @@ TEST(Explain, TellsMeaningExampleAndFinding)
               "No path: the check stands, but no version has the keyword [Merged Pins], so no\n"
               "package has merged pins.\n");
     EXPECT_NE(result.out.find(finding, at), std::string::npos);
-    EXPECT_NE(result.out.find("ERROR (line   18) - Voltage Range Already Defined For Model 'M'", at),
-              std::string::npos);
+    EXPECT_NE(
+        result.out.find("example.ibs:18: error: Voltage Range Already Defined For Model 'M' [119]\n", at),
+        std::string::npos);
     EXPECT_NE(result.out.find(second, at + 1), std::string::npos);
 }
 
