@@ -1,6 +1,7 @@
 #include "tools/talibis/check_judge.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <numeric>
 #include <tuple>

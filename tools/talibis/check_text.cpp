@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
-#include <utility>
 
 namespace
 {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <stdexcept>
 #include <toml++/toml.h>
 #include <utility>
 

@@ -9,7 +9,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <map>
-#include <memory>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
