@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <regex>
+#include <regex.h>
 
 namespace
 {
@@ -40,10 +40,21 @@ void CheckEnum(const json& values, const json& value, const std::string& place, 
     }
 }
 
+// The patterns keep to what is the same in all dialects.
+bool Matches(const std::string& pattern, const std::string& text)
+{
+    regex_t compiled;
+    if (regcomp(&compiled, pattern.c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
+        return false;
+    }
+    const bool found = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
+    regfree(&compiled);
+    return found;
+}
+
 void CheckPattern(const json& pattern, const json& value, const std::string& place, Faults& faults)
 {
-    if (value.is_string() &&
-        !std::regex_search(value.get<std::string>(), std::regex(pattern.get<std::string>()))) {
+    if (value.is_string() && !Matches(pattern.get<std::string>(), value.get<std::string>())) {
         faults.push_back(place + " does not match " + pattern.dump());
     }
 }
