@@ -5,10 +5,10 @@
 #include "tools/talibis/check_progress.h"
 #include "tools/talibis/check_workers.h"
 #include "tools/talibis/exit_status.h"
+#include "tools/talibis/terminal.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <iostream>
 #include <sys/ioctl.h>
 #include <thread>
@@ -22,22 +22,6 @@ constexpr int SIGNAL_BASE = 128;  // a shell's way to tell of a signal
 using PrinterMaker = std::unique_ptr<Printer> (*)(std::ostream&, const PrintStyle&);
 constexpr std::array<PrinterMaker, 5> PRINTERS{MakeTextPrinter, MakeJsonPrinter, MakeGccPrinter,
                                                MakeSarifPrinter, MakeJunitPrinter};
-
-bool IsSet(const char* variable)
-{
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
-}
-
-bool WantsColour(Colour colour)
-{
-    if (colour != Colour::Auto) {
-        return colour == Colour::Always;
-    }
-    const char* const terminal = std::getenv("TERM");
-    const bool dumb = terminal != nullptr && std::string_view(terminal) == "dumb";
-    return isatty(STDOUT_FILENO) != 0 && !IsSet("NO_COLOR") && !dumb;
-}
 
 // Columns for a source line behind its number: those of the terminal, or what a pipe gets on every machine.
 std::size_t SourceColumns()

@@ -4,13 +4,13 @@
 
 #include "ibis/source/nuibis_types.h"
 #include "tools/talibis/check_finding.h"
+#include "tools/talibis/terminal.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
 enum class OutputFormat { Text, Json, Gcc, Sarif, Junit };
-enum class Colour { Auto, Always, Never };
 
 struct CheckOptions {
     std::vector<std::string> files;        ///< files, folders, patterns, "-" for the standard input

@@ -5,7 +5,9 @@
 #include "tools/talibis/check.h"
 #include "tools/talibis/exit_status.h"
 #include "tools/talibis/explain.h"
+#include "tools/talibis/export.h"
 #include "tools/talibis/keywords.h"
+#include "tools/talibis/show.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -81,6 +83,33 @@ CLI::App* AddCheck(CLI::App& app, CheckOptions& options)
     return check;
 }
 
+CLI::App* AddShow(CLI::App& app, ShowOptions& options)
+{
+    CLI::App* const show = app.add_subcommand("show", "Show what is in a file at a glance");
+    show->add_option("FILE", options.file, "The file (.ibs, .pkg, .ebd, .ami)")->required();
+    AddWordOption(*show, "--type", FILE_TYPES, options.type,
+                  "Kind of the file; without it the extension tells");
+    AddWordOption(*show, "--color", COLOURS, options.colour,
+                  "Bold names and dim headings; auto asks the terminal and NO_COLOR");
+    show->footer("Values are typical ones. Exit status: 0, or 2 for a file that could not be read.");
+    return show;
+}
+
+CLI::App* AddExport(CLI::App& app, ExportOptions& options)
+{
+    CLI::App* const command =
+        app.add_subcommand("export", "Print the numbers of a file as one JSON document in SI units");
+    command->add_option("FILE", options.file, "The file (.ibs, .pkg, .ebd, .ami)")->required();
+    command->add_option("--model", options.model, "Only this model and the submodels that it adds")
+        ->type_name("NAME");
+    AddWordOption(*command, "--type", FILE_TYPES, options.type,
+                  "Kind of the file; without it the extension tells");
+    command->footer("What the file does not give, or gives as NA, is null. docs/schema/export.schema.json "
+                    "describes the\n"
+                    "document. Exit status: 0, or 2 for a file or a model that is not there.");
+    return command;
+}
+
 CLI::App* AddCall(CLI::App& app, std::string& function, std::vector<std::string>& parameters)
 {
     CLI::App* const call = app.add_subcommand("call", "Call a script function and print its value as JSON");
@@ -147,6 +176,10 @@ int Run(int argc, char** argv)
 
     CheckOptions options;
     const CLI::App* const check = AddCheck(app, options);
+    ShowOptions showOptions;
+    const CLI::App* const show = AddShow(app, showOptions);
+    ExportOptions exportOptions;
+    const CLI::App* const exporting = AddExport(app, exportOptions);
     std::string function;
     std::vector<std::string> parameters;
     const CLI::App* const call = AddCall(app, function, parameters);
@@ -165,6 +198,12 @@ int Run(int argc, char** argv)
     }
     if (check->parsed()) {
         return RunCheck(options);
+    }
+    if (show->parsed()) {
+        return RunShow(showOptions);
+    }
+    if (exporting->parsed()) {
+        return RunExport(exportOptions);
     }
     if (call->parsed()) {
         return RunCall(function, parameters);
