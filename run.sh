@@ -8,6 +8,6 @@ talibis_build release talibis_cli
 
 if (($# == 0)); then
     cd -- "$talibis_root"
-    set -- check examples/*
+    set -- check examples
 fi
 exec "$talibis_root/build/release/talibis" "$@"

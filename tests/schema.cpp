@@ -106,6 +106,21 @@ void CheckNoOthers(const json& schema, const json& value, const std::string& pla
     }
 }
 
+// Puts the named parts in the place of the references to them. No part refers to itself.
+void PutParts(json& schema, const json& parts)
+{
+    if (schema.is_object() && schema.contains("$ref")) {
+        const json part = parts.at(schema["$ref"].get<std::string>().substr(std::string("#/$defs/").size()));
+        schema.erase("$ref");
+        schema.update(part);
+    }
+    for (json& item : schema) {
+        if (item.is_structured()) {
+            PutParts(item, parts);
+        }
+    }
+}
+
 void CheckNothing(const json&, const json&, const std::string&, Faults&) {}
 
 using Checker = void (*)(const json& rule, const json& value, const std::string& place, Faults& faults);
@@ -136,5 +151,9 @@ std::vector<std::string> SchemaFaults(const json& schema, const json& value, con
 json ReadSchema(const std::string& path)
 {
     std::ifstream file(std::string(TALIBIS_SOURCE_DIR) + "/" + path);
-    return json::parse(file);
+    json schema = json::parse(file);
+    const json parts = schema.value("$defs", json::object());
+    schema.erase("$defs");
+    PutParts(schema, parts);
+    return schema;
 }

@@ -11,5 +11,5 @@
 /// which is not checked here is a fault too.
 std::vector<std::string> SchemaFaults(const nlohmann::json& schema, const nlohmann::json& value,
                                       const std::string& place = "$");
-/// Reads a schema by its path within the project.
+/// Reads a schema by its path within the project, with its parts of "$defs" put where they are referred to.
 nlohmann::json ReadSchema(const std::string& path);

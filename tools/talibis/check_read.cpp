@@ -111,12 +111,6 @@ std::vector<Finding> Match(const IbisErrorContainer& stored, Heard heard)
     return findings;
 }
 
-// A board makes the library read its component files in turn, and it sums each of them up on a stream.
-void SilenceSummaries()
-{
-    MSG_SetSummaryStream(std::fopen("/dev/null", "w"));
-}
-
 // A copy of the standard input is shown as what it stands for.
 void ShowUnder(const std::string& name, const std::string& path, std::vector<Finding>& findings)
 {
@@ -133,6 +127,11 @@ void ShowUnder(const std::string& name, const std::string& path, std::vector<Fin
 ibis_file_type TypeOfName(std::string_view path)
 {
     return RowOf(path)->eType;
+}
+
+void SilenceSummaries()
+{
+    MSG_SetSummaryStream(std::fopen("/dev/null", "w"));
 }
 
 bool IsModelFile(std::string_view path)

@@ -16,6 +16,10 @@ bool IsModelFile(std::string_view path);
 /// "ibs", "pkg", "ebd", "ami", "param"
 std::string_view NameOfType(ibis_file_type type);
 
+/// A board makes the library read its component files in turn, and it sums each of them up on a stream: from
+/// now on on none.
+void SilenceSummaries();
+
 /// One file to check.
 struct CheckFile {
     std::string path;   ///< to open it

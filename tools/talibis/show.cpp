@@ -317,7 +317,7 @@ void Show::packages(const std::vector<const PKGMDL*>& list)
 {
     TextTable table({{"NAME"}, {"PINS", ColumnKind::Right}, {"STRUCTURE", ColumnKind::Wrapped}});
     for (const PKGMDL* package : list) {
-        const Note note = Note().addText("by", package->szManufacturer).addText("", package->szDescription);
+        const Note note = Note().addText("by", package->szManufacturer).add(package->szDescription);
         table.add({package->szName,
                    std::to_string(EntriesOf(package->ppszPinNames, package->uiPinCount).size()),
                    OrNone(StructureOf(*package))},

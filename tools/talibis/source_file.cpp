@@ -41,6 +41,7 @@ bool ReadParameters(SourceFile& file)
 
 bool ReadRecords(SourceFile& file)
 {
+    SilenceSummaries();
     TalIbis* handle = nullptr;
     const IbisErrorContainer* const findings = talReadIbisFile(file.path.c_str(), file.type, &handle);
     file.isOld = TalIbisFileManager::getSniffedVersion() == IBIS_VER_1;

@@ -37,6 +37,17 @@ std::size_t BytesOf(std::string_view text, std::size_t width)
     return end;
 }
 
+std::size_t LongestWord(std::string_view text)
+{
+    std::size_t longest = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        longest = std::max(longest, WidthOf(text.substr(0, end)));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return longest;
+}
+
 std::string Padded(const std::string& text, std::size_t width, bool right)
 {
     const std::string blanks(width - std::min(width, WidthOf(text)), ' ');
@@ -119,8 +130,8 @@ void TextTable::add(std::vector<std::string> cells, const std::string& note)
     mRows.push_back({std::move(cells), Harmless(note)});
 }
 
-// Columns are as wide as their widest text; what then is too much, the wrapped columns and the names give
-// up.
+// Columns are as wide as their widest text. Of what then is too much the last column gives up what its words
+// can spare, then the names, and only then words are broken.
 std::vector<std::size_t> TextTable::widths() const
 {
     std::vector<std::size_t> widths;
@@ -143,7 +154,11 @@ std::vector<std::size_t> TextTable::widths() const
         total -= taken;
     };
     if (mColumns.back().kind == ColumnKind::Wrapped) {
-        give(widths.back(), 2 * WRAPPED_LEAST);
+        std::size_t word = WRAPPED_LEAST;
+        for (const Row& row : mRows) {
+            word = std::max(word, LongestWord(row.cells.back()));
+        }
+        give(widths.back(), word);
     }
     give(widths.front(), NAME_LEAST);
     for (std::size_t i = widths.size(); i-- > 1;) {
