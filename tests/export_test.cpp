@@ -38,7 +38,7 @@ const std::string RICH_MODEL =
     "Cref = 15p\nRref = 50\nVref = 0\nCref_diff = 1p\nRref_diff = 100\nC_comp 5p 4p NA\nC_comp_pullup 1p 1p "
     "1p\n"
     "[Model Spec]\nVinh 2 1.9 2.1\nVmeas 1.5 NA NA\n[Receiver Thresholds]\nVth = 1.5\nVinh_ac = 0.2\n"
-    "Reference_supply Pullup_ref\n[Add Submodel]\nS Driving\n[Driver Schedule]\nN 1n NA 2n NA\nO NA 3n NA "
+    "Reference_supply Pullup_ref\n[Add Submodel]\nS Driving\n[Driver Schedule]\nN 1n NA 2n NA\nO NA 4n NA "
     "4n\n"
     "[C Comp Corner]\nC_comp 5p 6p 4p\n[Temperature Range] 25 100 0\n[Voltage Range] 3.3 3 3.6\n"
     "[Pullup Reference] 3.3 3 3.6\n[TTgnd] 1n 2n NA\n[Rgnd] 50 NA NA\n"
@@ -82,7 +82,7 @@ std::string RichFile()
         "rich.ibs",
         Header("5.1", "rich.ibs") +
             Edit(Component("U1", "1 a SEL 1 2n NA\n2 b M NA NA 3p\n3 v POWER\n4 g GND\n5 n NC\n", RELATIONS),
-                 {{"[Package]", "Si_location Die\n[Package]"}}) +
+                 {{"[Manufacturer]", "Si_location Die\n[Manufacturer]"}}) +
             RICH_MODEL + OTHERS + "[End]\n");
     return "rich.ibs";
 }
