@@ -63,7 +63,7 @@ std::string Join(const std::vector<std::string>& words, std::string_view between
     return text;
 }
 
-std::string OrNone(std::string text)
+std::string OrNone(const std::string& text)
 {
     return text.empty() ? NONE : text;
 }
