@@ -7,9 +7,11 @@
 #include "tools/talibis/explain.h"
 #include "tools/talibis/export.h"
 #include "tools/talibis/keywords.h"
+#include "tools/talibis/manual.h"
 #include "tools/talibis/show.h"
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <iostream>
 #include <map>
 
@@ -33,6 +35,11 @@ const Words<FailOn> THRESHOLDS{{"error", FailOn::Error},
                                {"warning", FailOn::Warning},
                                {"caution", FailOn::Caution},
                                {"never", FailOn::Never}};
+
+const Words<ManualForm> MANUAL_FORMS{{"man", ManualForm::Man},
+                                     {"bash", ManualForm::Bash},
+                                     {"zsh", ManualForm::Zsh},
+                                     {"fish", ManualForm::Fish}};
 
 // An option that takes one of some words.
 template <class Value>
@@ -165,6 +172,32 @@ CLI::App* AddAmiOutput(CLI::App& app, AmiOptions& options)
     return output;
 }
 
+CLI::App* AddManual(CLI::App& app, ManualForm& form)
+{
+    CLI::App* const manual =
+        app.add_subcommand("manual", "Print the manual page, or what completes a shell's command lines");
+    AddWordOption(*manual, "--form", MANUAL_FORMS, form, "The page (man) or a shell, man by default");
+    return manual;
+}
+
+// What each subcommand runs, in the order of the help.
+using Commands = std::vector<std::pair<const CLI::App*, std::function<int()>>>;
+
+int RunParsed(CLI::App& app, const Commands& commands, int argc, char** argv)
+{
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == EXIT_CLEAN ? EXIT_CLEAN : EXIT_UNUSABLE;
+    }
+    for (const auto& [command, run] : commands) {
+        if (command->parsed()) {
+            return run();
+        }
+    }
+    return EXIT_UNUSABLE;
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app{"Reads, checks and queries IBIS signal-integrity model files", "talibis"};
@@ -174,50 +207,33 @@ int Run(int argc, char** argv)
         return "talibis: " + std::string(error.what()) + " (see talibis --help)\n";
     });
 
-    CheckOptions options;
-    const CLI::App* const check = AddCheck(app, options);
-    ShowOptions showOptions;
-    const CLI::App* const show = AddShow(app, showOptions);
-    ExportOptions exportOptions;
-    const CLI::App* const exporting = AddExport(app, exportOptions);
+    Commands commands;
+    CheckOptions check;
+    commands.emplace_back(AddCheck(app, check), [&] { return RunCheck(check); });
+    ExplainOptions explain;
+    commands.emplace_back(AddExplain(app, explain), [&] { return RunExplain(explain); });
+    ShowOptions show;
+    commands.emplace_back(AddShow(app, show), [&] { return RunShow(show); });
+    ExportOptions exporting;
+    commands.emplace_back(AddExport(app, exporting), [&] { return RunExport(exporting); });
+    AmiOptions ami;
+    commands.emplace_back(AddAmiInput(app, ami), [&] { return RunAmiInput(ami); });
+    commands.emplace_back(AddAmiOutput(app, ami), [&] { return RunAmiOutput(ami); });
     std::string function;
     std::vector<std::string> parameters;
-    const CLI::App* const call = AddCall(app, function, parameters);
-    ExplainOptions explainOptions;
-    const CLI::App* const explain = AddExplain(app, explainOptions);
-    const CLI::App* const keywords = app.add_subcommand(
-        "keywords", "Print the keywords, the versions that have them and the files that may hold them");
-    AmiOptions ami;
-    const CLI::App* const amiInput = AddAmiInput(app, ami);
-    const CLI::App* const amiOutput = AddAmiOutput(app, ami);
-    app.add_subcommand("functions", "List the script functions and what they take");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == EXIT_CLEAN ? EXIT_CLEAN : EXIT_UNUSABLE;
-    }
-    if (check->parsed()) {
-        return RunCheck(options);
-    }
-    if (show->parsed()) {
-        return RunShow(showOptions);
-    }
-    if (exporting->parsed()) {
-        return RunExport(exportOptions);
-    }
-    if (call->parsed()) {
-        return RunCall(function, parameters);
-    }
-    if (explain->parsed()) {
-        return RunExplain(explainOptions);
-    }
-    if (amiInput->parsed()) {
-        return RunAmiInput(ami);
-    }
-    if (amiOutput->parsed()) {
-        return RunAmiOutput(ami);
-    }
-    return keywords->parsed() ? RunKeywords() : RunFunctions();
+    commands.emplace_back(AddCall(app, function, parameters), [&] { return RunCall(function, parameters); });
+    commands.emplace_back(app.add_subcommand("functions", "List the script functions and what they take"),
+                          RunFunctions);
+    commands.emplace_back(
+        app.add_subcommand(
+            "keywords", "Print the keywords, the versions that have them and the files that may hold them"),
+        RunKeywords);
+    ManualForm form = ManualForm::Man;
+    commands.emplace_back(AddManual(app, form), [&] {
+        PrintManual(std::cout, app, form, TALIBIS_VERSION);
+        return EXIT_CLEAN;
+    });
+    return RunParsed(app, commands, argc, argv);
 }
 
 }  // namespace
