@@ -30,6 +30,24 @@ std::string_view View(const CMN_Path& path)
     return path.data();
 }
 
+// Only printable characters, tabs and line ends. Thousands of lines at once take a small part of the time
+// that a look at each of them takes. Carriage returns are fine in a line end alone; one at the very end of
+// the bytes is left to the look at its line.
+bool IsPlain(std::span<const char> bytes)
+{
+    if (bytes.empty()) {
+        return false;
+    }
+    unsigned char odd = 0;
+    for (std::size_t i = 0; i + 1 < bytes.size(); ++i) {
+        const auto byte = static_cast<signed char>(bytes[i]);
+        const bool isLineEnd = (byte == '\n') | ((byte == '\r') & (bytes[i + 1] == '\n'));
+        odd |= static_cast<unsigned char>((byte < ' ') & (byte != '\t') & !isLineEnd);
+    }
+    const auto last = static_cast<signed char>(bytes.back());
+    return odd == 0 && (last == '\n' || last == '\t' || last >= ' ');
+}
+
 }  // namespace
 
 // Memory --------------------------------------------------------------------------------------------------
@@ -116,6 +134,7 @@ bool CMN_Stream::fill() noexcept
     const std::size_t got = std::fread(mpBuffer + mEnd, 1, mCapacity - mEnd, mpFile);
     mEnd += got;
     mbEndOfFile = got == 0;
+    mbPlain = IsPlain({mpBuffer, mEnd});
     return got != 0;
 }
 
@@ -320,8 +339,9 @@ void BlankIllegal(std::span<char> line, std::size_t limit)
     }
 }
 
-// Takes the line end off and applies the character rule. False if nothing but the end-of-file mark was left.
-bool CleanLine(std::span<char>& line, bool atEnd, std::size_t limit, bool& lineFeed)
+// Takes the line end off and applies the character rule, unless the line is known to be plain. False if
+// nothing but the end-of-file mark was left.
+bool CleanLine(std::span<char>& line, bool atEnd, bool plain, std::size_t limit, bool& lineFeed)
 {
     lineFeed = !line.empty() && line.back() == '\n';
     if (lineFeed) {
@@ -335,7 +355,7 @@ bool CleanLine(std::span<char>& line, bool atEnd, std::size_t limit, bool& lineF
             return false;
         }
     }
-    if (!gbNoCharCheck && HasIllegal(line)) {
+    if (!plain && !gbNoCharCheck && HasIllegal(line)) {
         BlankIllegal(line, limit);
     }
     return true;
@@ -348,7 +368,7 @@ bool CMN_ReadLine(CMN_Stream& stream, std::size_t limit, std::string_view& line)
     std::span<char> bytes;
     bool atEnd = false;
     bool lineFeed = false;
-    if (!stream.nextLine(bytes, atEnd) || !CleanLine(bytes, atEnd, limit, lineFeed)) {
+    if (!stream.nextLine(bytes, atEnd) || !CleanLine(bytes, atEnd, stream.isPlain(), limit, lineFeed)) {
         return false;
     }
     line = std::string_view(bytes.data(), std::min(bytes.size(), limit));
@@ -358,7 +378,7 @@ bool CMN_ReadLine(CMN_Stream& stream, std::size_t limit, std::string_view& line)
 bool CMN_ReadLongLine(CMN_Stream& stream, std::span<char>& line, bool& lineFeed)
 {
     bool atEnd = false;
-    return stream.nextLine(line, atEnd) && CleanLine(line, atEnd, SIZE_MAX, lineFeed);
+    return stream.nextLine(line, atEnd) && CleanLine(line, atEnd, stream.isPlain(), SIZE_MAX, lineFeed);
 }
 
 // Cursors and tokens --------------------------------------------------------------------------------------

@@ -39,6 +39,9 @@ class CMN_Stream
     /// The next bytes up to and with a line feed, or up to the end of the file; false at its end. The view is
     /// valid and may be written to until the next call. `atEnd` tells that no byte follows.
     bool nextLine(std::span<char>& line, bool& atEnd) noexcept;
+    /// Whether the last line is known to hold only printable characters, tabs and its own end. False where
+    /// that has still to be looked at.
+    bool isPlain() const noexcept { return mbPlain; }
     /// Up to `size` bytes from the current place, for a look at a file's kind. Gives the number read.
     std::size_t readBlock(std::span<char> out) noexcept;
 
@@ -51,6 +54,7 @@ class CMN_Stream
     std::size_t mBegin = 0;
     std::size_t mEnd = 0;
     bool mbEndOfFile = false;
+    bool mbPlain = false;  // of all that the buffer holds
 };
 
 using CMN_Path = std::array<char, CMN_PATH_LIMIT + 1>;
