@@ -383,15 +383,6 @@ bool CMN_ReadLongLine(CMN_Stream& stream, std::span<char>& line, bool& lineFeed)
 
 // Cursors and tokens --------------------------------------------------------------------------------------
 
-void CMN_SkipSpace(std::string_view& cursor)
-{
-    std::size_t i = 0;
-    while (i < cursor.size() && CMN_IsSpace(cursor[i])) {
-        ++i;
-    }
-    cursor.remove_prefix(i);
-}
-
 int CMN_SkipKeyword(std::string_view& cursor)
 {
     const std::size_t bracket = cursor.find(']');
@@ -421,46 +412,64 @@ std::string_view CMN_TrimEnd(std::string_view text)
     return text;
 }
 
-std::string_view CMN_NextTokenDelim(std::string_view& cursor, char delimiter)
+namespace
 {
-    CMN_SkipSpace(cursor);
-    std::size_t length = 0;
-    while (length < cursor.size() && cursor[length] != ' ' && cursor[length] != '\t' &&
-           cursor[length] != delimiter) {
-        ++length;
+
+// In the header's terms CMN_NextTokenDelim; here for the loops over whole lines.
+inline std::string_view TakeToken(std::string_view& cursor, char delimiter)
+{
+    const char* at = cursor.data();
+    const char* const end = at + cursor.size();
+    while (at != end && CMN_IsSpace(*at)) {
+        ++at;
     }
-    if (length == 0 && !cursor.empty()) {
-        length = 1;  // the delimiter itself
+    const char* const begin = at;
+    while (at != end && *at != ' ' && *at != '\t' && *at != delimiter) {
+        ++at;
     }
-    const std::string_view token = cursor.empty() ? std::string_view() : cursor.substr(0, length);
-    cursor.remove_prefix(length);
-    return token;
+    if (at == begin && at != end) {
+        ++at;  // the delimiter itself
+    }
+    cursor = {at, static_cast<std::size_t>(end - at)};
+    return at == begin ? std::string_view() : std::string_view(begin, static_cast<std::size_t>(at - begin));
 }
 
-std::string_view CMN_NextToken(std::string_view& cursor)
-{
-    return CMN_NextTokenDelim(cursor, ' ');
-}
-
-CMN_TokenList CMN_SplitDelim(std::string_view text, int maxTokens, char delimiter)
+inline CMN_TokenList SplitAt(std::string_view text, int maxTokens, char delimiter)
 {
     CMN_ASSERT(maxTokens >= 0 && maxTokens <= CMN_TOKEN_LIMIT);
     const auto capacity = static_cast<std::size_t>(maxTokens);
     CMN_TokenList list;
     list.iCapacity = maxTokens;
     std::size_t stored = 0;
-    for (std::string_view token; !(token = CMN_NextTokenDelim(text, delimiter)).empty(); ++list.iFound) {
+    for (std::string_view token; !(token = TakeToken(text, delimiter)).empty(); ++list.iFound) {
         if (stored < capacity) {
-            list.aTokens[stored++] = token;
+            list.aTokens[stored++] = {token.data(), token.size()};
         }
     }
     list.iStored = static_cast<int>(stored);
     return list;
 }
 
+}  // namespace
+
+std::string_view CMN_NextTokenDelim(std::string_view& cursor, char delimiter)
+{
+    return TakeToken(cursor, delimiter);
+}
+
+std::string_view CMN_NextToken(std::string_view& cursor)
+{
+    return TakeToken(cursor, ' ');
+}
+
+CMN_TokenList CMN_SplitDelim(std::string_view text, int maxTokens, char delimiter)
+{
+    return SplitAt(text, maxTokens, delimiter);
+}
+
 CMN_TokenList CMN_Split(std::string_view text, int maxTokens)
 {
-    return CMN_SplitDelim(text, maxTokens, ' ');
+    return SplitAt(text, maxTokens, ' ');
 }
 
 int CMN_CountTokens(std::string_view text)
@@ -648,7 +657,11 @@ double ScaleOf(char letter)
 
 }  // namespace
 
-std::size_t CMN_ReadDouble(std::string_view text, double* out)
+namespace
+{
+
+// The general routine: all that may stand at the front of a number.
+std::size_t ReadAnyDouble(std::string_view text, double* out)
 {
     std::string_view rest = text;
     CMN_SkipSpace(rest);
@@ -673,10 +686,26 @@ std::size_t CMN_ReadDouble(std::string_view text, double* out)
     return static_cast<std::size_t>(result.ptr - text.data());
 }
 
-CMN_Number CMN_GetValue(std::string_view text, double* out)
+// Nearly all numbers begin with a digit, or with one behind a minus sign. But for hexadecimal ones and those
+// out of range, they read alike in both grammars.
+inline std::size_t ReadDouble(std::string_view text, double* out)
+{
+    const std::size_t sign = text.starts_with('-') ? 1 : 0;
+    if (sign < text.size() && CMN_IsDigit(text[sign]) && !IsHexadecimal(text.substr(sign))) {
+        double value = 0.0;
+        const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (result.ec == std::errc()) {
+            *out = value;
+            return static_cast<std::size_t>(result.ptr - text.data());
+        }
+    }
+    return ReadAnyDouble(text, out);
+}
+
+inline CMN_Number ReadValue(std::string_view text, double* out)
 {
     double value = 0.0;
-    const std::size_t used = CMN_ReadDouble(text, &value);
+    const std::size_t used = ReadDouble(text, &value);
     if (used == 0) {
         return CMN_INVALID;
     }
@@ -690,6 +719,18 @@ CMN_Number CMN_GetValue(std::string_view text, double* out)
     }
     *out = value * ScaleOf(unit.front());
     return std::any_of(unit.begin(), unit.end(), CMN_IsDigit) ? CMN_SUSPICIOUS : CMN_GOOD;
+}
+
+}  // namespace
+
+std::size_t CMN_ReadDouble(std::string_view text, double* out)
+{
+    return ReadDouble(text, out);
+}
+
+CMN_Number CMN_GetValue(std::string_view text, double* out)
+{
+    return ReadValue(text, out);
 }
 
 int CMN_GetValueOrNA(std::string_view text, std::string_view label, std::string_view kind, double* out,
@@ -721,7 +762,7 @@ CMN_Number CMN_GetValueNA(std::string_view text, double* out, bool* isNA)
         *out = 0.0;
         return CMN_GOOD;
     }
-    return CMN_GetValue(text, out);
+    return ReadValue(text, out);
 }
 
 CMN_Number CMN_GetPlainDouble(std::string_view text, double* out)

@@ -130,7 +130,14 @@ constexpr char CMN_Lower(char c)
 }
 
 /// Moves to the next character that is no white space, or to the end.
-void CMN_SkipSpace(std::string_view& cursor);
+constexpr void CMN_SkipSpace(std::string_view& cursor)
+{
+    std::size_t i = 0;
+    while (i < cursor.size() && CMN_IsSpace(cursor[i])) {
+        ++i;
+    }
+    cursor.remove_prefix(i);
+}
 /// Moves behind the first "]" and the white space after it and gives 1; without one to the end, and gives 0.
 int CMN_SkipKeyword(std::string_view& cursor);
 /// Moves to the next white space or to the end.
@@ -148,12 +155,21 @@ struct CMN_TokenList {
     int iCapacity = 0;  ///< how many the caller asked to keep
     int iStored = 0;    ///< how many were kept
     int iFound = 0;     ///< how many stand on the line
-    std::array<std::string_view, CMN_TOKEN_LIMIT> aTokens;
+
+    struct Token {
+        const char* pBegin;
+        std::size_t uiSize;
+    };
+    std::array<Token, CMN_TOKEN_LIMIT> aTokens;  ///< only those that were kept are set
 
     /// Token `i`; a view without data when the line has no such token.
     std::string_view operator[](int i) const
     {
-        return i < iStored ? aTokens[static_cast<std::size_t>(i)] : std::string_view();
+        if (i >= iStored) {
+            return {};
+        }
+        const Token& token = aTokens[static_cast<std::size_t>(i)];
+        return {token.pBegin, token.uiSize};
     }
 };
 
