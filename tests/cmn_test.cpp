@@ -4,9 +4,12 @@
 #include "ibis/source/nuibis_stringlist.h"
 #include "tests/builders.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <random>
 
 namespace
@@ -88,6 +91,30 @@ TEST(Value, ReadsAsTheLibraryDoes)
         ASSERT_EQ(used, static_cast<std::size_t>(end - text.c_str())) << text;
         if (used != 0 && !std::isnan(expected)) {
             ASSERT_EQ(std::memcmp(&value, &expected, sizeof value), 0) << text;
+        }
+    }
+}
+
+// Every text of five of the characters that make a difference, as it stands and behind others.
+TEST(Value, ReadsEveryShortTextAsTheLibraryDoes)
+{
+    constexpr std::string_view alphabet = "019.eE+-xpn ";
+    constexpr std::size_t longest = 5;
+    std::array<std::size_t, longest> letters{};
+    std::string text;
+    for (std::size_t place = 0; place < longest;) {
+        for (const char* const ahead : {"", "-", "-12345678901234567890", "0.3"}) {
+            text = ahead;
+            std::transform(letters.begin(), letters.end(), std::back_inserter(text),
+                           [=](std::size_t letter) { return alphabet[letter]; });
+            char* end = nullptr;
+            const double expected = std::strtod(text.c_str(), &end);
+            double value = 0.0;
+            ASSERT_EQ(CMN_ReadDouble(text, &value), static_cast<std::size_t>(end - text.c_str())) << text;
+            ASSERT_EQ(std::memcmp(&value, &expected, sizeof value), 0) << text;
+        }
+        for (place = 0; place < longest && ++letters[place] == alphabet.size(); ++place) {
+            letters[place] = 0;
         }
     }
 }
@@ -361,6 +388,39 @@ TEST(Lines, LongerThanTheBuffer)
     ASSERT_TRUE(CMN_ReadLongLine(stream, line, lineFeed));
     EXPECT_EQ(std::string_view(line.data(), line.size()), "second");
     EXPECT_FALSE(CMN_ReadLongLine(stream, line, lineFeed));
+}
+
+// Characters are looked at buffer by buffer: wherever a buffer ends, within a line end too, nothing is told
+// that is not there, and what is there is told once.
+TEST(Lines, CharactersAtTheEndOfABuffer)
+{
+    constexpr std::size_t enough = 70000;
+    for (std::size_t shift = 0; shift < 4; ++shift) {
+        std::string text(shift, 'x');
+        std::size_t count = 0;
+        for (; text.size() < enough; ++count) {
+            text += "ab\r\n";
+        }
+        const std::string path = WriteTestFile("edge.txt", text + "c\rd\nlast\r");
+        CMN_Stream stream;
+        CMN_Path baseName;
+        AtLine(1);
+        ASSERT_EQ(CMN_OpenFile(path, IBIS_FILE_PARAM, stream, baseName), 1);
+        std::string_view line;
+        ASSERT_TRUE(CMN_ReadLine(stream, CMN_LINE_LIMIT, line));
+        for (std::size_t i = 1; i < count; ++i) {
+            ASSERT_TRUE(CMN_ReadLine(stream, CMN_LINE_LIMIT, line));
+            ASSERT_EQ(line, "ab");
+        }
+        EXPECT_EQ(Stored(), Lines());
+        ASSERT_TRUE(CMN_ReadLine(stream, CMN_LINE_LIMIT, line));
+        EXPECT_EQ(line, "c d");
+        ASSERT_TRUE(CMN_ReadLine(stream, CMN_LINE_LIMIT, line));
+        EXPECT_EQ(line, "last ");
+        const std::string message =
+            "ERROR (line    1) -\n    Found illegal control character (code d).  Converting to space.";
+        EXPECT_EQ(Stored(), (Lines{message, message}));
+    }
 }
 
 TEST(StringList, GrowsAtTheFrontAndCounts)

@@ -30,6 +30,24 @@ std::string_view View(const CMN_Path& path)
     return path.data();
 }
 
+// Only printable characters, tabs and line ends. Thousands of lines at once take a small part of the time
+// that a look at each of them takes. Carriage returns are fine in a line end alone; one at the very end of
+// the bytes is left to the look at its line.
+bool IsPlain(std::span<const char> bytes)
+{
+    if (bytes.empty()) {
+        return false;
+    }
+    unsigned char odd = 0;
+    for (std::size_t i = 0; i + 1 < bytes.size(); ++i) {
+        const auto byte = static_cast<signed char>(bytes[i]);
+        const bool isLineEnd = (byte == '\n') | ((byte == '\r') & (bytes[i + 1] == '\n'));
+        odd |= static_cast<unsigned char>((byte < ' ') & (byte != '\t') & !isLineEnd);
+    }
+    const auto last = static_cast<signed char>(bytes.back());
+    return odd == 0 && (last == '\n' || last == '\t' || last >= ' ');
+}
+
 }  // namespace
 
 // Memory --------------------------------------------------------------------------------------------------
@@ -116,6 +134,7 @@ bool CMN_Stream::fill() noexcept
     const std::size_t got = std::fread(mpBuffer + mEnd, 1, mCapacity - mEnd, mpFile);
     mEnd += got;
     mbEndOfFile = got == 0;
+    mbPlain = IsPlain({mpBuffer, mEnd});
     return got != 0;
 }
 
@@ -320,8 +339,9 @@ void BlankIllegal(std::span<char> line, std::size_t limit)
     }
 }
 
-// Takes the line end off and applies the character rule. False if nothing but the end-of-file mark was left.
-bool CleanLine(std::span<char>& line, bool atEnd, std::size_t limit, bool& lineFeed)
+// Takes the line end off and applies the character rule, unless the line is known to be plain. False if
+// nothing but the end-of-file mark was left.
+bool CleanLine(std::span<char>& line, bool atEnd, bool plain, std::size_t limit, bool& lineFeed)
 {
     lineFeed = !line.empty() && line.back() == '\n';
     if (lineFeed) {
@@ -335,7 +355,7 @@ bool CleanLine(std::span<char>& line, bool atEnd, std::size_t limit, bool& lineF
             return false;
         }
     }
-    if (!gbNoCharCheck && HasIllegal(line)) {
+    if (!plain && !gbNoCharCheck && HasIllegal(line)) {
         BlankIllegal(line, limit);
     }
     return true;
@@ -348,7 +368,7 @@ bool CMN_ReadLine(CMN_Stream& stream, std::size_t limit, std::string_view& line)
     std::span<char> bytes;
     bool atEnd = false;
     bool lineFeed = false;
-    if (!stream.nextLine(bytes, atEnd) || !CleanLine(bytes, atEnd, limit, lineFeed)) {
+    if (!stream.nextLine(bytes, atEnd) || !CleanLine(bytes, atEnd, stream.isPlain(), limit, lineFeed)) {
         return false;
     }
     line = std::string_view(bytes.data(), std::min(bytes.size(), limit));
@@ -358,19 +378,10 @@ bool CMN_ReadLine(CMN_Stream& stream, std::size_t limit, std::string_view& line)
 bool CMN_ReadLongLine(CMN_Stream& stream, std::span<char>& line, bool& lineFeed)
 {
     bool atEnd = false;
-    return stream.nextLine(line, atEnd) && CleanLine(line, atEnd, SIZE_MAX, lineFeed);
+    return stream.nextLine(line, atEnd) && CleanLine(line, atEnd, stream.isPlain(), SIZE_MAX, lineFeed);
 }
 
 // Cursors and tokens --------------------------------------------------------------------------------------
-
-void CMN_SkipSpace(std::string_view& cursor)
-{
-    std::size_t i = 0;
-    while (i < cursor.size() && CMN_IsSpace(cursor[i])) {
-        ++i;
-    }
-    cursor.remove_prefix(i);
-}
 
 int CMN_SkipKeyword(std::string_view& cursor)
 {
@@ -401,46 +412,64 @@ std::string_view CMN_TrimEnd(std::string_view text)
     return text;
 }
 
-std::string_view CMN_NextTokenDelim(std::string_view& cursor, char delimiter)
+namespace
 {
-    CMN_SkipSpace(cursor);
-    std::size_t length = 0;
-    while (length < cursor.size() && cursor[length] != ' ' && cursor[length] != '\t' &&
-           cursor[length] != delimiter) {
-        ++length;
+
+// In the header's terms CMN_NextTokenDelim; here for the loops over whole lines.
+inline std::string_view TakeToken(std::string_view& cursor, char delimiter)
+{
+    const char* at = cursor.data();
+    const char* const end = at + cursor.size();
+    while (at != end && CMN_IsSpace(*at)) {
+        ++at;
     }
-    if (length == 0 && !cursor.empty()) {
-        length = 1;  // the delimiter itself
+    const char* const begin = at;
+    while (at != end && *at != ' ' && *at != '\t' && *at != delimiter) {
+        ++at;
     }
-    const std::string_view token = cursor.empty() ? std::string_view() : cursor.substr(0, length);
-    cursor.remove_prefix(length);
-    return token;
+    if (at == begin && at != end) {
+        ++at;  // the delimiter itself
+    }
+    cursor = {at, static_cast<std::size_t>(end - at)};
+    return at == begin ? std::string_view() : std::string_view(begin, static_cast<std::size_t>(at - begin));
 }
 
-std::string_view CMN_NextToken(std::string_view& cursor)
-{
-    return CMN_NextTokenDelim(cursor, ' ');
-}
-
-CMN_TokenList CMN_SplitDelim(std::string_view text, int maxTokens, char delimiter)
+inline CMN_TokenList SplitAt(std::string_view text, int maxTokens, char delimiter)
 {
     CMN_ASSERT(maxTokens >= 0 && maxTokens <= CMN_TOKEN_LIMIT);
     const auto capacity = static_cast<std::size_t>(maxTokens);
     CMN_TokenList list;
     list.iCapacity = maxTokens;
     std::size_t stored = 0;
-    for (std::string_view token; !(token = CMN_NextTokenDelim(text, delimiter)).empty(); ++list.iFound) {
+    for (std::string_view token; !(token = TakeToken(text, delimiter)).empty(); ++list.iFound) {
         if (stored < capacity) {
-            list.aTokens[stored++] = token;
+            list.aTokens[stored++] = {token.data(), token.size()};
         }
     }
     list.iStored = static_cast<int>(stored);
     return list;
 }
 
+}  // namespace
+
+std::string_view CMN_NextTokenDelim(std::string_view& cursor, char delimiter)
+{
+    return TakeToken(cursor, delimiter);
+}
+
+std::string_view CMN_NextToken(std::string_view& cursor)
+{
+    return TakeToken(cursor, ' ');
+}
+
+CMN_TokenList CMN_SplitDelim(std::string_view text, int maxTokens, char delimiter)
+{
+    return SplitAt(text, maxTokens, delimiter);
+}
+
 CMN_TokenList CMN_Split(std::string_view text, int maxTokens)
 {
-    return CMN_SplitDelim(text, maxTokens, ' ');
+    return SplitAt(text, maxTokens, ' ');
 }
 
 int CMN_CountTokens(std::string_view text)
@@ -628,7 +657,11 @@ double ScaleOf(char letter)
 
 }  // namespace
 
-std::size_t CMN_ReadDouble(std::string_view text, double* out)
+namespace
+{
+
+// The general routine: all that may stand at the front of a number.
+std::size_t ReadAnyDouble(std::string_view text, double* out)
 {
     std::string_view rest = text;
     CMN_SkipSpace(rest);
@@ -653,10 +686,26 @@ std::size_t CMN_ReadDouble(std::string_view text, double* out)
     return static_cast<std::size_t>(result.ptr - text.data());
 }
 
-CMN_Number CMN_GetValue(std::string_view text, double* out)
+// Nearly all numbers begin with a digit, or with one behind a minus sign. But for hexadecimal ones and those
+// out of range, they read alike in both grammars.
+inline std::size_t ReadDouble(std::string_view text, double* out)
+{
+    const std::size_t sign = text.starts_with('-') ? 1 : 0;
+    if (sign < text.size() && CMN_IsDigit(text[sign]) && !IsHexadecimal(text.substr(sign))) {
+        double value = 0.0;
+        const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (result.ec == std::errc()) {
+            *out = value;
+            return static_cast<std::size_t>(result.ptr - text.data());
+        }
+    }
+    return ReadAnyDouble(text, out);
+}
+
+inline CMN_Number ReadValue(std::string_view text, double* out)
 {
     double value = 0.0;
-    const std::size_t used = CMN_ReadDouble(text, &value);
+    const std::size_t used = ReadDouble(text, &value);
     if (used == 0) {
         return CMN_INVALID;
     }
@@ -670,6 +719,18 @@ CMN_Number CMN_GetValue(std::string_view text, double* out)
     }
     *out = value * ScaleOf(unit.front());
     return std::any_of(unit.begin(), unit.end(), CMN_IsDigit) ? CMN_SUSPICIOUS : CMN_GOOD;
+}
+
+}  // namespace
+
+std::size_t CMN_ReadDouble(std::string_view text, double* out)
+{
+    return ReadDouble(text, out);
+}
+
+CMN_Number CMN_GetValue(std::string_view text, double* out)
+{
+    return ReadValue(text, out);
 }
 
 int CMN_GetValueOrNA(std::string_view text, std::string_view label, std::string_view kind, double* out,
@@ -701,7 +762,7 @@ CMN_Number CMN_GetValueNA(std::string_view text, double* out, bool* isNA)
         *out = 0.0;
         return CMN_GOOD;
     }
-    return CMN_GetValue(text, out);
+    return ReadValue(text, out);
 }
 
 CMN_Number CMN_GetPlainDouble(std::string_view text, double* out)

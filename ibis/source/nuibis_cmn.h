@@ -39,6 +39,9 @@ class CMN_Stream
     /// The next bytes up to and with a line feed, or up to the end of the file; false at its end. The view is
     /// valid and may be written to until the next call. `atEnd` tells that no byte follows.
     bool nextLine(std::span<char>& line, bool& atEnd) noexcept;
+    /// Whether the last line is known to hold only printable characters, tabs and its own end. False where
+    /// that has still to be looked at.
+    bool isPlain() const noexcept { return mbPlain; }
     /// Up to `size` bytes from the current place, for a look at a file's kind. Gives the number read.
     std::size_t readBlock(std::span<char> out) noexcept;
 
@@ -51,6 +54,7 @@ class CMN_Stream
     std::size_t mBegin = 0;
     std::size_t mEnd = 0;
     bool mbEndOfFile = false;
+    bool mbPlain = false;  // of all that the buffer holds
 };
 
 using CMN_Path = std::array<char, CMN_PATH_LIMIT + 1>;
@@ -126,7 +130,14 @@ constexpr char CMN_Lower(char c)
 }
 
 /// Moves to the next character that is no white space, or to the end.
-void CMN_SkipSpace(std::string_view& cursor);
+constexpr void CMN_SkipSpace(std::string_view& cursor)
+{
+    std::size_t i = 0;
+    while (i < cursor.size() && CMN_IsSpace(cursor[i])) {
+        ++i;
+    }
+    cursor.remove_prefix(i);
+}
 /// Moves behind the first "]" and the white space after it and gives 1; without one to the end, and gives 0.
 int CMN_SkipKeyword(std::string_view& cursor);
 /// Moves to the next white space or to the end.
@@ -144,12 +155,21 @@ struct CMN_TokenList {
     int iCapacity = 0;  ///< how many the caller asked to keep
     int iStored = 0;    ///< how many were kept
     int iFound = 0;     ///< how many stand on the line
-    std::array<std::string_view, CMN_TOKEN_LIMIT> aTokens;
+
+    struct Token {
+        const char* pBegin;
+        std::size_t uiSize;
+    };
+    std::array<Token, CMN_TOKEN_LIMIT> aTokens;  ///< only those that were kept are set
 
     /// Token `i`; a view without data when the line has no such token.
     std::string_view operator[](int i) const
     {
-        return i < iStored ? aTokens[static_cast<std::size_t>(i)] : std::string_view();
+        if (i >= iStored) {
+            return {};
+        }
+        const Token& token = aTokens[static_cast<std::size_t>(i)];
+        return {token.pBegin, token.uiSize};
     }
 };
 

@@ -264,23 +264,24 @@ void CRV_Close(std::string_view ownerName, nuibis_model_type type, nuibis_keywor
 void CRV_Interpolate(const crv* table, double x, double** typ, double** min, double** max)
 {
     *typ = *min = *max = nullptr;
-    const rngp* row = SkipWithoutFirst(table->pHead);
-    if (row == nullptr) {
+    const rngp* previous = SkipWithoutFirst(table->pHead);
+    if (previous == nullptr) {
         return;
     }
-    Point previous(*row);
+    const rngp* row = previous;
     while ((row = SkipWithoutFirst(row->pNext)) != nullptr) {
-        if (std::fabs(row->dFirst - previous.dX) < SAME_POINT * std::fabs(previous.dX)) {
+        if (std::fabs(row->dFirst - previous->dFirst) < SAME_POINT * std::fabs(previous->dFirst)) {
             continue;
         }
-        const Point here(*row);
-        if (row->eTyp == NUM_VALUE && Brackets(previous.dX, here.dX, x)) {
-            GiveValue(previous, here, 0, x, typ);
-            GiveValue(previous, here, 1, x, min);
-            GiveValue(previous, here, 2, x, max);
+        if (row->eTyp == NUM_VALUE && Brackets(previous->dFirst, row->dFirst, x)) {
+            const Point a(*previous);
+            const Point b(*row);
+            GiveValue(a, b, 0, x, typ);
+            GiveValue(a, b, 1, x, min);
+            GiveValue(a, b, 2, x, max);
             return;
         }
-        previous = here;
+        previous = row;
     }
 }
 

@@ -16,6 +16,7 @@ constexpr double NO_VOLTAGE = std::numeric_limits<float>::max();  // no table re
 struct Point {
     double dV;
     double dI;
+    double dReach;  // highest voltage up to this point
 };
 
 const rngp* NextVoltage(const rngp* row)
@@ -26,6 +27,15 @@ const rngp* NextVoltage(const rngp* row)
     return row;
 }
 
+std::size_t CountRows(const rngp* row)
+{
+    std::size_t count = 0;
+    for (; row != nullptr; row = row->pNext) {
+        ++count;
+    }
+    return count;
+}
+
 // One column as a piecewise linear function of the voltage.
 class Column
 {
@@ -34,13 +44,13 @@ class Column
     Column(const rngp* head, nuibis_corner corner, double sign)
     {
         const RNGP_Column& column = CORNER_Column(corner);
+        mPoints.reserve(CountRows(head));
         double reach = -std::numeric_limits<double>::infinity();
         for (const rngp* row = CRV_NextPoint(head, corner); row != nullptr;
              row = CRV_NextPoint(row->pNext, corner)) {
             const double v = sign * row->dFirst;
             reach = v > reach ? v : reach;
-            mPoints.push_back({v, row->*column.pdValue});
-            mReach.push_back(reach);
+            mPoints.push_back({v, row->*column.pdValue, reach});
         }
     }
 
@@ -61,11 +71,13 @@ class Column
     // from the former point; where a table turns back, the points' running maximum leads to the place.
     void moveTo(double v)
     {
-        if (mCurrent > 0 && !(mReach[mCurrent - 1] < v)) {
-            const auto place = std::lower_bound(mReach.begin(), mReach.end(), v);
-            mCurrent = static_cast<std::size_t>(place - mReach.begin());
+        if (mCurrent > 0 && !(mPoints[mCurrent - 1].dReach < v)) {
+            const auto place =
+                std::lower_bound(mPoints.begin(), mPoints.end(), v,
+                                 [](const Point& point, double voltage) { return point.dReach < voltage; });
+            mCurrent = static_cast<std::size_t>(place - mPoints.begin());
         }
-        while (mCurrent + 1 < mPoints.size() && mReach[mCurrent] < v) {
+        while (mCurrent + 1 < mPoints.size() && mPoints[mCurrent].dReach < v) {
             ++mCurrent;
         }
     }
@@ -88,7 +100,6 @@ class Column
     }
 
     CMN_Vector<Point> mPoints;
-    CMN_Vector<double> mReach;  // highest voltage up to each point
     std::size_t mCurrent = 0;
 };
 

@@ -168,6 +168,38 @@ constexpr auto KEYWORDS = std::to_array<PARSE_Keyword>({
     {"END", END, V2, V61},
 });
 
+// Places of the rows in alphabetical order. Rows of the same text keep their order.
+constexpr auto BY_TEXT = [] {
+    std::array<std::uint8_t, KEYWORDS.size()> places{};
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        places[i] = static_cast<std::uint8_t>(i);
+    }
+    std::sort(places.begin(), places.end(), [](std::uint8_t a, std::uint8_t b) {
+        return KEYWORDS[a].sText != KEYWORDS[b].sText ? KEYWORDS[a].sText < KEYWORDS[b].sText : a < b;
+    });
+    return places;
+}();
+static_assert(KEYWORDS.size() <= UINT8_MAX);
+
+// The row that the current version has for a name, or null. Case does not count, and a blank is an underscore.
+const PARSE_Keyword* FindKeyword(std::string_view name)
+{
+    std::array<char, KEYWORD_LIMIT> buffer;
+    std::transform(name.begin(), name.end(), buffer.begin(),
+                   [](char c) { return c == ' ' ? '_' : CMN_Upper(c); });
+    const std::string_view text(buffer.data(), name.size());
+    const auto* place =
+        std::lower_bound(BY_TEXT.begin(), BY_TEXT.end(), text,
+                         [](std::uint8_t row, std::string_view wanted) { return KEYWORDS[row].sText < wanted; });
+    for (; place != BY_TEXT.end() && KEYWORDS[*place].sText == text; ++place) {
+        const PARSE_Keyword& keyword = KEYWORDS[*place];
+        if (geIbisVersion >= keyword.eFirst && geIbisVersion <= keyword.eLast) {
+            return &keyword;
+        }
+    }
+    return nullptr;
+}
+
 // The group table -----------------------------------------------------------------------------------------
 
 struct Module {
@@ -602,12 +634,8 @@ int PARSE_GetKeyword(std::string_view text, nuibis_keyword old, nuibis_keyword* 
         MSG_ErrorLine(915);
         return 0;
     }
-    const auto* const row =
-        std::find_if(KEYWORDS.begin(), KEYWORDS.end(), [name](const PARSE_Keyword& keyword) {
-            return geIbisVersion >= keyword.eFirst && geIbisVersion <= keyword.eLast &&
-                   CMN_KeywordEqual(keyword.sText, name);
-        });
-    if (row == KEYWORDS.end()) {
+    const PARSE_Keyword* const row = FindKeyword(name);
+    if (row == nullptr) {
         std::array<char, KEYWORD_LIMIT + 1> normalised;
         CMN_CopyText(normalised, name);
         std::replace(normalised.begin(), normalised.begin() + static_cast<std::ptrdiff_t>(name.size()), ' ',

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -62,6 +63,71 @@ class FirstColumn
     int miDirection = 0;
 };
 
+// Rows are by far the most frequent records of a file. They come from blocks, and a freed row is used again;
+// the blocks are released when no row is left.
+class RowPool
+{
+  public:
+    // A row of zeros; null when memory is out.
+    rngp* take()
+    {
+        if (mpFree == nullptr && muiUnused == 0 && !addBlock()) {
+            return nullptr;
+        }
+        ++muiTaken;
+        if (mpFree == nullptr) {
+            return &mpBlocks->aRows[BLOCK_ROWS - muiUnused--];
+        }
+        rngp* const row = mpFree;
+        mpFree = row->pNext;
+        *row = {};
+        return row;
+    }
+    void give(rngp*& head)
+    {
+        rngp* last = nullptr;
+        for (rngp* row = head; row != nullptr; row = row->pNext) {
+            last = row;
+            --muiTaken;
+        }
+        if (last != nullptr) {
+            last->pNext = std::exchange(mpFree, head);
+        }
+        head = nullptr;
+        if (muiTaken == 0) {
+            CMN_FreeList(mpBlocks);
+            mpFree = nullptr;
+            muiUnused = 0;
+        }
+    }
+
+  private:
+    static constexpr std::size_t BLOCK_ROWS = 255;
+
+    struct Block {
+        Block* pNext;
+        std::array<rngp, BLOCK_ROWS> aRows;
+    };
+
+    bool addBlock()
+    {
+        Block* block = nullptr;
+        if (!CMN_Alloc(block)) {
+            return false;
+        }
+        block->pNext = std::exchange(mpBlocks, block);
+        muiUnused = BLOCK_ROWS;
+        return true;
+    }
+
+    Block* mpBlocks = nullptr;  // rows are taken from the first one
+    rngp* mpFree = nullptr;
+    std::size_t muiUnused = 0;  // rows at the end of the first block
+    std::size_t muiTaken = 0;
+};
+
+RowPool gRows;
+
 // The list being read; both are bound anew by the first row of another list.
 LIST_Tail<rngp> gTail;
 FirstColumn gFirstColumn;
@@ -95,11 +161,12 @@ void ReportCount(int count, std::string_view label)
 
 int RNGP_Create(rngp** out)
 {
-    return CMN_Alloc(*out);
+    *out = gRows.take();
+    return *out != nullptr ? 1 : 0;
 }
 
 int RNGP_ReadLine(std::string_view text, std::string_view tableLabel, std::string_view firstColumnLabel,
-                  rngp** out)
+                  rngp** out, const double* first)
 {
     const CMN_TokenList tokens = CMN_Split(text, 4);
     ReportCount(tokens.iFound, tableLabel);
@@ -108,7 +175,12 @@ int RNGP_ReadLine(std::string_view text, std::string_view tableLabel, std::strin
         return 0;
     }
     rngp& row = **out;
-    CMN_GetValueOrNA(tokens[0], tableLabel, firstColumnLabel, &row.dFirst, &row.eFirst);
+    if (first != nullptr) {
+        row.dFirst = *first;
+        row.eFirst = NUM_VALUE;
+    } else {
+        CMN_GetValueOrNA(tokens[0], tableLabel, firstColumnLabel, &row.dFirst, &row.eFirst);
+    }
     for (int i = 0; i < 3; ++i) {
         const RNGP_Column& column = RNGP_CORNERS[static_cast<std::size_t>(i)];
         CMN_GetValueOrNA(tokens[i + 1], tableLabel, column.sName, &(row.*column.pdValue),
@@ -137,7 +209,7 @@ void RNGP_FreeRows(rngp*& head)
 {
     gTail = {};
     gFirstColumn.reset();
-    CMN_FreeList(head);
+    gRows.give(head);
 }
 
 bool RNGP_CheckEnds(const rngp* head, std::string_view label, unsigned line, const RNGP_EndCodes& codes)

@@ -24,8 +24,9 @@ inline constexpr std::array<RNGP_Column, 3> RNGP_CORNERS{{
 int RNGP_Create(rngp** out);
 /// Reads a line of four fields. 1 when a row was made, whether or not its values were good; a field that is
 /// missing or unreadable is reported and stays NUM_ABSENT. The caller owns the row until it is appended.
+/// `first` is the number in the first column where the caller has read it already.
 int RNGP_ReadLine(std::string_view text, std::string_view tableLabel, std::string_view firstColumnLabel,
-                  rngp** out);
+                  rngp** out, const double* first = nullptr);
 /// Appends to the list that starts at `head` and gives its length with the new row. `checkRepeat` warns
 /// (1403) once for each earlier row whose first column is equal, whatever the statuses; a list is appended to
 /// either always with this check or never. No walk: the list being read is remembered.

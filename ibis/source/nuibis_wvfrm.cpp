@@ -104,18 +104,11 @@ unsigned RowLimit(std::string_view label)
     return geIbisVersion < IBIS_VER_4 || isPulse ? ROW_LIMIT_OLD : ROW_LIMIT;
 }
 
-bool BeginsRow(std::string_view token)
-{
-    double value = 0.0;
-    bool isNA = false;
-    return CMN_GetValueNA(token, &value, &isNA) != CMN_INVALID;
-}
-
-// Each row behind the limit is told, and kept.
-void ReadRow(std::string_view text, std::string_view label)
+// Each row behind the limit is told, and kept. `time` may be null.
+void ReadRow(std::string_view text, std::string_view label, const double* time)
 {
     rngp* row = nullptr;
-    if (!RNGP_ReadLine(text, label, "Time", &row)) {
+    if (!RNGP_ReadLine(text, label, "Time", &row, time)) {
         return;
     }
     unsigned count = 0;
@@ -131,6 +124,21 @@ void ReadRow(std::string_view text, std::string_view label)
         !(previous->dFirst < row->dFirst)) {
         MSG_ErrorLine(2020);
     }
+}
+
+// A line that does not begin with a fixture's name begins with a number or "NA", or it is refused. The number
+// is the time of a row where nothing is left to tell about it and no equals sign cuts it short.
+void ReadRowOrRefuse(std::string_view text, std::string_view name, std::string_view label)
+{
+    double time = 0.0;
+    bool isNA = false;
+    const CMN_Number result = CMN_GetValueNA(name, &time, &isNA);
+    if (result == CMN_INVALID) {
+        MSG_ErrorLine(2011, label);
+        return;
+    }
+    const bool isWhole = name.end() == text.end() || *name.end() != '=';
+    ReadRow(text, label, result == CMN_GOOD && !isNA && isWhole ? &time : nullptr);
 }
 
 // End checks ----------------------------------------------------------------------------------------------
@@ -218,19 +226,14 @@ void WVFRM_Line(std::string_view text, std::string_view label)
     if (gpCurWvfrm == nullptr) {
         return;
     }
-    std::string_view rest = text;
-    const std::string_view name = CMN_NextTokenDelim(rest, '=');
+    const std::string_view name = FIELD_ItemName(text);
     for (const Fixture& fixture : FIXTURES) {
         if (name == fixture.sName) {
             ReadFixture(text, fixture, label);
             return;
         }
     }
-    if (BeginsRow(name)) {
-        ReadRow(text, label);
-    } else {
-        MSG_ErrorLine(2011, label);
-    }
+    ReadRowOrRefuse(text, name, label);
 }
 
 void WVFRM_Close(std::string_view label, WVFRM_Mode mode)
