@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <ctime>
 #include <functional>
+#include <ostream>
 
 namespace
 {
@@ -70,6 +71,8 @@ struct Scale {
     std::size_t n;
     std::function<std::string(std::size_t)> file;
     const char* pszName = "t.ibs";
+
+    friend void PrintTo(const Scale& scale, std::ostream* out) { *out << scale.pszWhat; }
 };
 
 const std::string ROW = " 1m 1m 1m\n";
