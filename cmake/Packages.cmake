@@ -23,7 +23,9 @@ set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "Reads, checks and queries IBIS model files
  Component files, package models, board descriptions and parameter files of
  algorithmic models are held against the rules of the version that they
  declare, kept in memory, and answer questions about their contents.")
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+file(WRITE "${PROJECT_BINARY_DIR}/package/triggers" "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/package/triggers")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtalibis-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
