@@ -10,6 +10,7 @@
 /// A value of the language: an integer, a string or a list. Each handle that an operation gives out is a
 /// reference of its own, released once with `qval_free_value`; the value goes with its last reference.
 struct VALUE_HEADER;
+/// Handle of a value; null where there is none.
 using QVALUE = VALUE_HEADER*;
 
 /// Names a type of the language by its address.
@@ -17,16 +18,16 @@ struct QvalType;
 
 /// One script function. The handler has no arguments: it fetches its parameters from the call frame.
 struct QEL_ROW {
-    const char* name;
-    QVALUE (*handler)();
+    const char* name;              ///< of the function in scripts
+    QVALUE (*handler)();           ///< gives the result of a call, owned by the caller
     const void* reserved[2] = {};  ///< the runtime's own; zero in a table
 };
 
 /// The script functions of a library: static data that stays for the life of the process.
 struct QEL_TABLE {
     const char* language;  ///< "QEL"
-    const QEL_ROW* rows;
-    std::size_t count;
+    const QEL_ROW* rows;   ///< `count` rows
+    std::size_t count;     ///< number of rows
 };
 
 // A host builds and reads values of the shared library with the functions that the library itself calls.
@@ -36,12 +37,13 @@ struct QEL_TABLE {
 
 extern "C" {
 
-extern const QvalType QvalString;
-extern const QvalType QvalInteger;
+extern const QvalType QvalString;   ///< the type of strings
+extern const QvalType QvalInteger;  ///< the type of integers
 
 /// A list of `count` empty places. Null when memory runs out, as with the two below.
 QVALUE qval_create_list(std::size_t count) noexcept;
 
+/// An integer.
 QVALUE qval_create_raw_integer(int number) noexcept;
 
 /// A string with a copy of `text`. A null text makes a string without text.

@@ -48,25 +48,33 @@ enum numstat : std::int32_t;
 /// empty result. A null name ends a query without a status.
 ///
 /// A `corner` is "Typ", "Min", "Max" or "Empty", in exact case. A corner that is no number gives typ, "Empty"
-/// the empty string, null and any other word typ. Numbers are in V, A, Ohm, H, F and s, written as by "%g".
+/// the empty string, null and any other word typ. Numbers are in V, A, Ohm, H, F and s, written as by `%g`.
 /// A `symbol` is the name of a schematic symbol, see `TalIbisSymbol`.
 class TALIBIS_API TalIbis
 {
   public:
+    /// A handle of no file.
     TalIbis() noexcept = default;
     /// Keeps the interned name; the time stamp is that of the file's last change, 0 when it cannot be told.
     TalIbis(const char* fileName, ibis_file_type type, ibis_ver version);
 
+    /// Gives the records of the file. The handle does not own them.
     void setIbis(ibis* root) { pIbis = root; }
+    /// The records of the file; null before `setIbis`.
     ibis* getIbis() const { return pIbis; }
+    /// The interned name of the file; null for a handle of no file.
     const char* getFileName() const { return pszFileName; }
+    /// Kind of the file, as the host gave it.
     ibis_file_type getFileType() const { return eFileType; }
+    /// Version group of the file.
     ibis_ver getVersion() const { return eVersion; }
     /// Keeps a deep copy of the findings.
     void setErrorContainer(const IbisErrorContainer& errors);
+    /// The findings of the read; null before `setErrorContainer`, and when memory was out.
     IbisErrorContainer* getErrorContainer() const { return pErrors; }
-    /// Seconds since the epoch.
+    /// Time of the file's last change, in seconds since the epoch; 0 when it cannot be told.
     std::int64_t getFileTimeStamp() const { return tTimeStamp; }
+    /// Keeps a time in seconds since the epoch.
     void setFileTimeStamp(std::int64_t seconds) { tTimeStamp = seconds; }
 
     // Components and pins: [Component], [Package], [Pin], [Pin Mapping]
@@ -91,14 +99,29 @@ class TALIBIS_API TalIbis
     /// Four plain strings: pullup, pulldown, power clamp, gnd clamp reference.
     void getPinMappingL(const char* component, const char* pin, TalIbisListQueryData& list) const;
 
-    // Pin parasitics, in Ohm, H and F, as text: a number, "NA", or empty when not given.
+    /// @name Pin parasitics
+    /// As text: a number, "NA", or empty when not given.
+    /// @{
+
+    /// The pin's own R_pin, Ohm.
     void getR_pin(const char* component, const char* pin, TalIbisStringQueryData& result) const;
+    /// The pin's own L_pin, H.
     void getL_pin(const char* component, const char* pin, TalIbisStringQueryData& result) const;
+    /// The pin's own C_pin, F.
     void getC_pin(const char* component, const char* pin, TalIbisStringQueryData& result) const;
-    // Package parasitics. `corner` is "Typ", "Min", "Max" or "Empty"; a corner that is no number gives typ.
+    /// @}
+
+    /// @name Package parasitics
+    /// [Package] at a corner, as text.
+    /// @{
+
+    /// R_pkg, Ohm.
     void getR_pkg(const char* component, const char* corner, TalIbisStringQueryData& result) const;
+    /// L_pkg, H.
     void getL_pkg(const char* component, const char* corner, TalIbisStringQueryData& result) const;
+    /// C_pkg, F.
     void getC_pkg(const char* component, const char* corner, TalIbisStringQueryData& result) const;
+    /// @}
 
     /// The version as the file's [IBIS Ver] line has it, read from the file itself.
     void getVersionString(TalIbisStringQueryData& result) const;
@@ -134,6 +157,7 @@ class TALIBIS_API TalIbis
     void getModelDriverScheduleDelay(const char* model, TalIbisListQueryData& list) const;
     /// Whether the model has a [Driver Schedule]; false for an unknown model. Does not clear.
     void hasModelDriverSchedule(const char* model, TalIbisBooleanQueryData& flag) const;
+    /// The same without a record.
     bool hasModelDriverSchedule(const char* model) const;
     /// The names of [Add Submodel], in order.
     void getSubmodelList(const char* model, TalIbisListQueryData& list) const;
@@ -143,7 +167,10 @@ class TALIBIS_API TalIbis
     /// Report table of Off_delay (s) of [Submodel Spec].
     void getSubmodelOffDelay(const char* submodel, TalIbisListQueryData& list) const;
 
-    // Report tables of one triple of a model: a row of typ, min and max.
+    /// @name Triples
+    /// Report tables of one triple of a model: a row of typ, min and max.
+    /// @{
+
     void getVoltageRange(const char* model, TalIbisListQueryData& list) const;  ///< [Voltage Range], V
     void getPullupRef(const char* model, TalIbisListQueryData& list) const;     ///< [Pullup Reference], V
     void getPulldownRef(const char* model, TalIbisListQueryData& list) const;   ///< [Pulldown Reference], V
@@ -157,41 +184,80 @@ class TALIBIS_API TalIbis
     void getRpower(const char* model, TalIbisListQueryData& list) const;  ///< [Rpower], Ohm
     void getRac(const char* model, TalIbisListQueryData& list) const;     ///< [Rac], Ohm
     void getCac(const char* model, TalIbisListQueryData& list) const;     ///< [Cac], F
+    /// @}
 
-    // Whether a model has a table. They do not clear; an unknown model gives status -1 and false.
+    /// @name Tables
+    /// Whether a model has one. They do not clear; an unknown model gives status -1 and false.
+    /// @{
+
     void hasPullup(const char* model, TalIbisBooleanQueryData& flag) const;      ///< [Pullup]
     void hasPulldown(const char* model, TalIbisBooleanQueryData& flag) const;    ///< [Pulldown]
     void hasPowerClamp(const char* model, TalIbisBooleanQueryData& flag) const;  ///< [POWER Clamp]
     void hasGndClamp(const char* model, TalIbisBooleanQueryData& flag) const;    ///< [GND Clamp]
+    /// @}
 
-    // Die capacitances (F): the item of [C Comp Corner] where the model has that keyword, even when it lacks
-    // the item, otherwise the subparameter.
+    /// @name Die capacitances
+    /// In F: the item of [C Comp Corner] where the model has that keyword, even when it lacks the item,
+    /// otherwise the subparameter.
+    /// @{
+
+    /// C_comp, F.
     void getC_comp(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// C_comp_pullup, F.
     void getC_comp_pullup(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// C_comp_pulldown, F.
     void getC_comp_pulldown(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// C_comp_power_clamp, F.
     void getC_comp_power_clamp(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// C_comp_gnd_clamp, F.
     void getC_comp_gnd_clamp(const char* model, const char* corner, TalIbisStringQueryData& result) const;
-    // Input thresholds (V): that of [Model Spec], otherwise the subparameter whatever the corner, otherwise
-    // "10000", which no input reaches.
+    /// @}
+
+    /// @name Input thresholds
+    /// In V: that of [Model Spec], otherwise the subparameter whatever the corner, otherwise "10000", which
+    /// no input reaches.
+    /// @{
+
+    /// Vinh, V.
     void getVinh(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// Vinl, V.
     void getVinl(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// @}
+
     /// R_load (Ohm) of [Ramp].
     void getR_load(const char* model, TalIbisStringQueryData& result) const;
-    // dV/dt_r and dV/dt_f of [Ramp] as "dV/dt" (V, s), "NA", or one blank where a corner was not given; empty
-    // for a word that is none of "Typ", "Min" and "Max".
+    /// @name Slopes
+    /// dV/dt_r and dV/dt_f of [Ramp] as "dV/dt" (V, s), "NA", or one blank where a corner was not given;
+    /// empty for a word that is none of "Typ", "Min" and "Max".
+    /// @{
+
+    /// dV/dt_r.
     void getRampDvDtRise(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// dV/dt_f.
     void getRampDvDtFall(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// @}
+
     /// V_fixture (V) of the first [Rising Waveform]. "Typ", "Min" or "Max"; any other word is told on the
     /// standard error stream and gives the empty string.
     void getV_fixture1(const char* model, const char* corner, TalIbisStringQueryData& result) const;
-    // Empty for every model: they hold the place of fixtures that no host asks for.
-    void getV_fixture2(const char* model, const char* corner, TalIbisStringQueryData& result) const;
-    void getR_fixture1(const char* model, TalIbisStringQueryData& result) const;
-    void getR_fixture2(const char* model, TalIbisStringQueryData& result) const;  ///< Does not clear.
+    /// @name Other fixtures
+    /// Empty for every model: they hold the place of fixtures that no host asks for. An unknown model gives
+    /// status -1.
+    /// @{
 
-    // Series elements (Ohm, H, F) of a model of type Series or Series_switch; `state` is "On", and any other
-    // word is off. They do not clear. An unknown model is reported as a component: scripts look for the
-    // words.
+    /// V_fixture of the second waveform: empty.
+    void getV_fixture2(const char* model, const char* corner, TalIbisStringQueryData& result) const;
+    /// R_fixture of the first waveform: empty.
+    void getR_fixture1(const char* model, TalIbisStringQueryData& result) const;
+    /// R_fixture of the second waveform: empty. Does not clear.
+    void getR_fixture2(const char* model, TalIbisStringQueryData& result) const;
+    /// @}
+
+    /// @name Series elements
+    /// In Ohm, H and F, of a model of type Series or Series_switch; `state` is "On", and any other word is
+    /// off. They do not clear. An unknown model is reported as a component: scripts look for the words.
+    /// @{
+
     void getR_series(const char* model, const char* state, const char* corner,
                      TalIbisStringQueryData& result) const;  ///< [R Series]
     void getL_series(const char* model, const char* state, const char* corner,
@@ -204,11 +270,18 @@ class TALIBIS_API TalIbis
                       TalIbisStringQueryData& result) const;  ///< [Rc Series]
     void getLc_series(const char* model, const char* state, const char* corner,
                       TalIbisStringQueryData& result) const;  ///< [Lc Series]
-    // Whether that state has the table; false without a word for an unknown model. They do not clear.
+    /// @}
+
+    /// @name Series tables
+    /// Whether that state has the table; false without a word for an unknown model. They do not clear.
+    /// @{
+
     void hasSeries_current(const char* model, const char* state,
                            TalIbisBooleanQueryData& flag) const;  ///< [Series Current]
     void hasSeries_MOSFET(const char* model, const char* state,
                           TalIbisBooleanQueryData& flag) const;  ///< [Series MOSFET]
+    /// @}
+
     /// `SWITCH_ON` for the word "On", otherwise `SWITCH_OFF`.
     static IbisSwitchType getSeriesSwitchType(const char* state);
 
@@ -270,8 +343,9 @@ class TALIBIS_API TalIbis
     void getEbdNodeList(const char* path, TalIbisListQueryData& list) const;
     /// The same into a vector, emptied first.
     void getEbdNodeListQt(const char* path, std::vector<std::string>* nodes) const;
-    // The component pins on the branch of a Fork, behind what the result holds.
+    /// The component pins on the branch of a Fork, behind what the list holds.
     void EbdNodeFork(const ebdpathelement* fork, TalIbisListQueryData& list) const;
+    /// The same, behind what the vector holds.
     void EbdNodeForkQt(const ebdpathelement* fork, std::vector<std::string>* nodes) const;
     /// The path from a board pin, six strings an element: depth of branching ("-1" opens a branch right
     /// behind another one), name of a component or board pin, Len, L (H), C (F), R (Ohm).
@@ -285,6 +359,7 @@ class TALIBIS_API TalIbis
 
     /// The model has an algorithmic model with at least one line.
     bool isAMIModel(const char* name) const;
+    /// The same of a record, which may be null.
     static bool isAMIModel(const nuibis_mdl* model);
     /// Path of the 64-bit code file for the platform of this library, beside the component file `ibisPath`;
     /// the last line of the keyword that names one counts. False, with `dllName` as it came, if none does.
@@ -297,9 +372,11 @@ class TALIBIS_API TalIbis
     /// The parameter file of a model, read on first use and when it changed since the handle was made. Null
     /// where `readAMI_File` gives null.
     TalIbisAMI_File* parseAMI_File(const char* name) const noexcept;
+    /// The same of a record, which may be null.
     TalIbisAMI_File* parseAMI_File(const nuibis_mdl* model) const noexcept;
     /// The findings in the model's parameter file; null for a model without lines.
     const IbisErrorContainer* testAMIModel(const char* name) const;
+    /// The same of a record, which may be null. What the global container holds stays.
     const IbisErrorContainer* testAMIModel(const nuibis_mdl* model) const;
     /// Name of the parameter file that the last line of the keyword names; empty if that is none.
     void getAMIFileName(const char* model, TalIbisStringQueryData& result) const;
@@ -387,13 +464,15 @@ class TALIBIS_API TalIbis
 class TALIBIS_API TalIbisMapping
 {
   public:
+    /// Keeps a handle under an interned name, in place of a former one. The handle stays with its owner.
     void add(const char* name, ibis_file_type type, TalIbis* ibis);
     /// The handle of an interned name, or null.
     TalIbis* find(const char* name) const;
+    /// Forgets the handle of an interned name, which is not released.
     void erase(const char* name);
 
   protected:
-    std::unordered_map<const char*, TalIbis*> handles;
+    std::unordered_map<const char*, TalIbis*> handles;  ///< the handles, by the address of their name
 };
 
 /// The process-wide owner of all handles.
@@ -404,7 +483,9 @@ class TALIBIS_API TalIbisFileManager : public TalIbisMapping
     static TalIbisFileManager* getInstance();
     /// Releases all handles and the root read last.
     static void destroyInstance();
+    /// There is one manager: not copied.
     TalIbisFileManager(const TalIbisFileManager&) = delete;
+    /// There is one manager: not copied.
     TalIbisFileManager& operator=(const TalIbisFileManager&) = delete;
 
     /// The handle of a file: the cached one while the file on disk is unchanged, otherwise read anew. Null

@@ -23,9 +23,13 @@ enum StatusType : std::int32_t {
 class TALIBIS_API TalIbisQueryData
 {
   public:
+    /// Status 0, no error text.
     TalIbisQueryData() = default;
+    /// Copies status and text.
     TalIbisQueryData(const TalIbisQueryData&) = default;
+    /// Copies status and text.
     TalIbisQueryData& operator=(const TalIbisQueryData&) = default;
+    /// Releases what the record holds.
     virtual ~TalIbisQueryData();
     /// Number of results: 1 for a string or a flag, the number of strings for a list.
     virtual std::size_t size();
@@ -34,6 +38,7 @@ class TALIBIS_API TalIbisQueryData
 
     /// One of `StatusType`; a value outside reads as 0.
     int getStatus() const;
+    /// The error text; empty when nothing was reported.
     const std::string& getErrMsg() const { return errorText; }
     /// Stores the status and a text in printf's format, cut at 4,095 characters.
     void setFormatedError(StatusType status, const char* format, ...) __attribute__((format(printf, 3, 4)));
@@ -56,15 +61,22 @@ class TALIBIS_API TalIbisQueryData
 class TALIBIS_API TalIbisListQueryData : public TalIbisQueryData
 {
   public:
+    /// An empty list.
     TalIbisListQueryData() = default;
+    /// Shares the strings with the source.
     TalIbisListQueryData(const TalIbisListQueryData&) = default;
+    /// Shares the strings with the source; what this list held is not released.
     TalIbisListQueryData& operator=(const TalIbisListQueryData&) = default;
+    /// Releases the strings.
     ~TalIbisListQueryData() override;
+    /// Number of strings.
     std::size_t size() override;
+    /// Releases the strings; status 0, no error text.
     void clear() override;
 
     /// Takes over a block of the C allocator and cuts its trailing white space. Null is ignored.
     void insert(char* text);
+    /// The strings, owned by the list.
     const std::vector<char*>& getData() const { return strings; }
     /// [[status, error text], [string, ...]]; the caller owns it.
     QVALUE createQval() const;
@@ -81,13 +93,17 @@ class TALIBIS_API TalIbisListQueryData : public TalIbisQueryData
 class TALIBIS_API TalIbisStringQueryData : public TalIbisQueryData
 {
   public:
+    /// Releases the string.
     ~TalIbisStringQueryData() override;
+    /// The empty string, status 0, no error text.
     void clear() override;
     /// Replaces the result; `text` must not be null.
     void setData(const char* text);
+    /// The result.
     const std::string& getData() const { return result; }
     /// [[status, error text], string]; the caller owns it.
     QVALUE createQval() const;
+    /// The error text, then the string. No line end.
     void output(std::ostream& out) const;
 
   private:
@@ -98,12 +114,15 @@ class TALIBIS_API TalIbisStringQueryData : public TalIbisQueryData
 class TALIBIS_API TalIbisBooleanQueryData : public TalIbisQueryData
 {
   public:
+    /// Releases the error text.
     ~TalIbisBooleanQueryData() override;
+    /// Replaces the result.
     void setData(bool flag) { result = flag; }
     /// The flag, not the status of the answer.
     bool status() const { return result; }
     /// [[status, error text], 0 or 1]; the caller owns it.
     QVALUE createQval() const;
+    /// The error text, then 0 or 1. No line end.
     void output(std::ostream& out) const;
 
   private:

@@ -16,6 +16,7 @@ struct TalIbisFinding {
     std::string_view sText;   ///< the stored text, with its newline
 };
 
+/// What is called with a finding and the context of `talSetListener`. The texts are valid during the call.
 using TalIbisListener = void (*)(void* context, const TalIbisFinding& finding);
 
 /// Called for each finding as it is stored. Null ends it.

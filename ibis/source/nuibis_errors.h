@@ -11,29 +11,34 @@
 
 /// Kind of a stored message. Bugs count as errors, cautions and notes as warnings.
 enum MessageType : std::int32_t {
-    MSG_TYPE_NONE = 0,
-    MSG_TYPE_WARNING = 1,
-    MSG_TYPE_ERROR = 2,
+    MSG_TYPE_NONE = 0,     ///< no message
+    MSG_TYPE_WARNING = 1,  ///< a warning, caution or note
+    MSG_TYPE_ERROR = 2,    ///< an error or a bug
 };
 
 /// Worst kind of message that a container holds.
 enum ErrorStatus : std::int32_t {
-    IBIS_STATUS_CLEAN = 0,
-    IBIS_STATUS_WARNING = 1,
-    IBIS_STATUS_ERROR = 2,
+    IBIS_STATUS_CLEAN = 0,    ///< no message
+    IBIS_STATUS_WARNING = 1,  ///< warnings only
+    IBIS_STATUS_ERROR = 2,    ///< at least one error
 };
 
 /// One finding: its kind and its complete text, with the severity word ahead and a newline behind.
 class TALIBIS_API IbisErrorMessage
 {
   public:
+    /// No type and no text.
     IbisErrorMessage() noexcept = default;
     /// Copies the text. A type of `MSG_TYPE_NONE` or a null text keeps no text.
     IbisErrorMessage(MessageType type, const char* text) noexcept;
+    /// Copies the text; it is null when memory is out.
     IbisErrorMessage(const IbisErrorMessage& other) noexcept;
+    /// Copies the text in place of the former one; it is null when memory is out.
     IbisErrorMessage& operator=(const IbisErrorMessage& other) noexcept;
+    /// Releases the text.
     ~IbisErrorMessage();
 
+    /// Kind of the message.
     MessageType getType() const noexcept { return eType; }
     /// The stored text, owned by the message; null when there is none.
     const char* getErrMsg() const noexcept { return pszText; }
@@ -49,10 +54,13 @@ class TALIBIS_API IbisErrorMessage
 class TALIBIS_API IbisErrorContainer
 {
   public:
+    /// Empty and clean.
     IbisErrorContainer() noexcept = default;
     /// Deep copy: the texts are copied too.
     IbisErrorContainer(const IbisErrorContainer& other) noexcept;
+    /// Deep copy in place of what the container holds.
     IbisErrorContainer& operator=(const IbisErrorContainer& other) noexcept;
+    /// Releases all messages.
     ~IbisErrorContainer();
 
     /// Appends a copy of `text` as an error. A null text does nothing.
@@ -70,6 +78,7 @@ class TALIBIS_API IbisErrorContainer
     const IbisErrorMessage* getError(std::size_t i) const noexcept { return messages[i]; }
     /// Number of stored messages, warnings included.
     std::size_t getNumErrors() const noexcept { return messages.size(); }
+    /// Worst kind of message since the last `clear`.
     ErrorStatus getErrorStatus() const noexcept { return eStatus; }
     /// Writes each message with `IbisErrorMessage::output`.
     void output(std::ostream& out) const;

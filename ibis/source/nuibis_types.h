@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+/// @def TALIBIS_API
 /// Marks what the shared library exports.
 #if defined(__GNUC__) || defined(__clang__)
 #define TALIBIS_API __attribute__((visibility("default")))
@@ -36,49 +37,51 @@ enum ibis_ver : std::int32_t {
 
 /// Model_type of a buffer model.
 enum nuibis_model_type : std::int32_t {
-    MODEL_UNSEEN = 0,   ///< no Model_type yet; in queries: any type
-    MODEL_NO_TYPE = 1,  ///< Model_type was given and not understood
-    MODEL_INPUT = 2,
-    MODEL_OUTPUT = 3,
-    MODEL_IO = 4,
-    MODEL_3STATE = 5,
-    MODEL_OPEN_DRAIN = 6,
-    MODEL_IO_OPEN_DRAIN = 7,
-    MODEL_OPEN_SINK = 8,
-    MODEL_IO_OPEN_SINK = 9,
-    MODEL_OPEN_SOURCE = 10,
-    MODEL_IO_OPEN_SOURCE = 11,
-    MODEL_INPUT_ECL = 12,
-    MODEL_OUTPUT_ECL = 13,
-    MODEL_IO_ECL = 14,
-    MODEL_TERMINATOR = 15,
-    MODEL_SERIES = 16,
-    MODEL_SERIES_SWITCH = 17,
-    MODEL_3STATE_ECL = 18,
-    MODEL_IO_DIFF = 19,
-    MODEL_OUTPUT_DIFF = 20,
-    MODEL_3STATE_DIFF = 21,
-    MODEL_INPUT_DIFF = 22,
+    MODEL_UNSEEN = 0,           ///< no Model_type yet; in queries: any type
+    MODEL_NO_TYPE = 1,          ///< Model_type was given and not understood
+    MODEL_INPUT = 2,            ///< Input
+    MODEL_OUTPUT = 3,           ///< Output
+    MODEL_IO = 4,               ///< I/O
+    MODEL_3STATE = 5,           ///< 3-state
+    MODEL_OPEN_DRAIN = 6,       ///< Open_drain
+    MODEL_IO_OPEN_DRAIN = 7,    ///< I/O_open_drain
+    MODEL_OPEN_SINK = 8,        ///< Open_sink
+    MODEL_IO_OPEN_SINK = 9,     ///< I/O_open_sink
+    MODEL_OPEN_SOURCE = 10,     ///< Open_source
+    MODEL_IO_OPEN_SOURCE = 11,  ///< I/O_open_source
+    MODEL_INPUT_ECL = 12,       ///< Input_ECL
+    MODEL_OUTPUT_ECL = 13,      ///< Output_ECL
+    MODEL_IO_ECL = 14,          ///< I/O_ECL
+    MODEL_TERMINATOR = 15,      ///< Terminator
+    MODEL_SERIES = 16,          ///< Series
+    MODEL_SERIES_SWITCH = 17,   ///< Series_switch
+    MODEL_3STATE_ECL = 18,      ///< 3-state_ECL
+    MODEL_IO_DIFF = 19,         ///< I/O_diff
+    MODEL_OUTPUT_DIFF = 20,     ///< Output_diff
+    MODEL_3STATE_DIFF = 21,     ///< 3-state_diff
+    MODEL_INPUT_DIFF = 22,      ///< Input_diff
 };
 
+/// Polarity of a buffer model.
 enum nuibis_model_polarity : std::int32_t {
-    POLARITY_UNSEEN = 0,
-    POLARITY_NONE = 1,  ///< given and not understood
-    POLARITY_NON_INVERTING = 2,
-    POLARITY_INVERTING = 3,
+    POLARITY_UNSEEN = 0,         ///< not given
+    POLARITY_NONE = 1,           ///< given and not understood
+    POLARITY_NON_INVERTING = 2,  ///< Non-Inverting
+    POLARITY_INVERTING = 3,      ///< Inverting
 };
 
+/// Enable of a buffer model: the level that turns its driver on.
 enum nuibis_model_enable : std::int32_t {
-    ENABLE_UNSEEN = 0,
-    ENABLE_NONE = 1,  ///< given and not understood
-    ENABLE_ACTIVE_HIGH = 2,
-    ENABLE_ACTIVE_LOW = 3,
+    ENABLE_UNSEEN = 0,       ///< not given
+    ENABLE_NONE = 1,         ///< given and not understood
+    ENABLE_ACTIVE_HIGH = 2,  ///< Active-High
+    ENABLE_ACTIVE_LOW = 3,   ///< Active-Low
 };
 
 /// When a submodel of [Add Submodel] is active.
 enum submdl_modes : std::int32_t {
-    SUBMODE_DRIVING = 0,
-    SUBMODE_NON_DRIVING = 1,
-    SUBMODE_ALL = 2,
-    SUBMODE_NONE = 3,  ///< not given, or not understood
+    SUBMODE_DRIVING = 0,      ///< Driving: while the model drives
+    SUBMODE_NON_DRIVING = 1,  ///< Non-Driving: while it does not drive
+    SUBMODE_ALL = 2,          ///< All: always
+    SUBMODE_NONE = 3,         ///< not given, or not understood
 };
