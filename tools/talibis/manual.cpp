@@ -197,6 +197,7 @@ std::string NamesOf(const std::vector<Entry>& entries)
 std::string NamesOf(const std::vector<Command>& commands)
 {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const Command& command : commands) {
         names.push_back(command.name);
     }
