@@ -68,7 +68,7 @@ void CheckSigns(const dly& delays)
     }
 }
 
-// A pulse within one edge has a length, and pulses of both edges point in opposite directions.
+// A pulse within one edge has a length, and pulses of both edges leave the stage at one level between them.
 void CheckOrder(const dly& delays)
 {
     const bool rise = delays.eRiseOn == NUM_VALUE && delays.eRiseOff == NUM_VALUE;
