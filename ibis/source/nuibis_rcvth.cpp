@@ -8,31 +8,9 @@
 namespace
 {
 
-struct Number {
-    std::string_view sName;
-    double* rcvth::*ppdField;
-};
-
-constexpr std::array<Number, 14> NUMBERS{{
-    {"Vth", &rcvth::pdVth},
-    {"Vth_min", &rcvth::pdVthMin},
-    {"Vth_max", &rcvth::pdVthMax},
-    {"Vinh_ac", &rcvth::pdVinhAc},
-    {"Vinh_dc", &rcvth::pdVinhDc},
-    {"Vinl_ac", &rcvth::pdVinlAc},
-    {"Vinl_dc", &rcvth::pdVinlDc},
-    {"Threshold_sensitivity", &rcvth::pdThresholdSensitivity},
-    {"Vcross_low", &rcvth::pdVcrossLow},
-    {"Vcross_high", &rcvth::pdVcrossHigh},
-    {"Vdiff_ac", &rcvth::pdVdiffAc},
-    {"Vdiff_dc", &rcvth::pdVdiffDc},
-    {"Tslew_ac", &rcvth::pdTslewAc},
-    {"Tdiffslew_ac", &rcvth::pdTdiffslewAc},
-}};
-
 constexpr std::string_view SUPPLY = "Reference_supply";
 
-void ReadNumber(const Number& number, std::string_view text, rcvth& thresholds)
+void ReadNumber(const RCVTH_Number& number, std::string_view text, rcvth& thresholds)
 {
     static constexpr FIELD_ScalarCodes codes{3232, 3204, 3233, 0};
     double*& field = thresholds.*number.ppdField;
@@ -123,7 +101,7 @@ void RCVTH_Line(std::string_view text, rcvth* thresholds)
         return;
     }
     const std::string_view name = FIELD_ItemName(text);
-    if (const Number* number = FIELD_FindByName(NUMBERS, name); number != nullptr) {
+    if (const RCVTH_Number* number = FIELD_FindByName(RCVTH_NUMBERS, name); number != nullptr) {
         ReadNumber(*number, text, *thresholds);
     } else if (name == SUPPLY) {
         ReadSupply(text, *thresholds);
@@ -145,7 +123,7 @@ void RCVTH_Free(rcvth* thresholds)
     if (thresholds == nullptr) {
         return;
     }
-    for (const Number& number : NUMBERS) {
+    for (const RCVTH_Number& number : RCVTH_NUMBERS) {
         CMN_Release(thresholds->*number.ppdField);
     }
     CMN_Release(thresholds->pszReferenceSupply);

@@ -30,6 +30,29 @@ struct rcvth {
     double* pdTdiffslewAc;
 };
 
+/// A number of the block: its name in the file and its field.
+struct RCVTH_Number {
+    std::string_view sName;
+    double* rcvth::*ppdField;
+};
+
+inline constexpr std::array<RCVTH_Number, 14> RCVTH_NUMBERS{{
+    {"Vth", &rcvth::pdVth},
+    {"Vth_min", &rcvth::pdVthMin},
+    {"Vth_max", &rcvth::pdVthMax},
+    {"Vinh_ac", &rcvth::pdVinhAc},
+    {"Vinh_dc", &rcvth::pdVinhDc},
+    {"Vinl_ac", &rcvth::pdVinlAc},
+    {"Vinl_dc", &rcvth::pdVinlDc},
+    {"Threshold_sensitivity", &rcvth::pdThresholdSensitivity},
+    {"Vcross_low", &rcvth::pdVcrossLow},
+    {"Vcross_high", &rcvth::pdVcrossHigh},
+    {"Vdiff_ac", &rcvth::pdVdiffAc},
+    {"Vdiff_dc", &rcvth::pdVdiffDc},
+    {"Tslew_ac", &rcvth::pdTslewAc},
+    {"Tdiffslew_ac", &rcvth::pdTdiffslewAc},
+}};
+
 /// The words of Reference_supply, exactly as they are spelt.
 inline constexpr std::array<std::string_view, 5> RCVTH_SUPPLIES{"Power_clamp_ref", "Gnd_clamp_ref",
                                                                 "Pullup_ref", "Pulldown_ref", "Ext_ref"};

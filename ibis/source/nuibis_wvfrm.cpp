@@ -59,25 +59,9 @@ Tails gTails;
 
 // Subparameters -------------------------------------------------------------------------------------------
 
-struct Fixture {
-    std::string_view sName;
-    double* wvfrm::*ppdField;
-};
+constexpr std::size_t REQUIRED_FIXTURES = 2;  // the first ones of WVFRM_FIXTURES
 
-constexpr std::size_t REQUIRED_FIXTURES = 2;  // the first ones
-constexpr std::array<Fixture, 9> FIXTURES{{
-    {"R_fixture", &wvfrm::pdRFixture},
-    {"V_fixture", &wvfrm::pdVFixture},
-    {"V_fixture_min", &wvfrm::pdVFixtureMin},
-    {"V_fixture_max", &wvfrm::pdVFixtureMax},
-    {"C_fixture", &wvfrm::pdCFixture},
-    {"L_fixture", &wvfrm::pdLFixture},
-    {"R_dut", &wvfrm::pdRDut},
-    {"L_dut", &wvfrm::pdLDut},
-    {"C_dut", &wvfrm::pdCDut},
-}};
-
-void ReadFixture(std::string_view text, const Fixture& fixture, std::string_view label)
+void ReadFixture(std::string_view text, const WVFRM_Fixture& fixture, std::string_view label)
 {
     static constexpr FIELD_ScalarCodes codes{2015, 2003, 2017, 2016};
     if (std::find(WVFRM_GOLDEN_LABELS.begin(), WVFRM_GOLDEN_LABELS.end(), label) !=
@@ -199,7 +183,7 @@ bool IsSameTime(const rngp& a, const rngp& b)
 
 void FreeContent(wvfrm& table)
 {
-    for (const Fixture& fixture : FIXTURES) {
+    for (const WVFRM_Fixture& fixture : WVFRM_FIXTURES) {
         CMN_Release(table.*fixture.ppdField);
     }
     RNGP_FreeRows(table.pRows);
@@ -227,7 +211,7 @@ void WVFRM_Line(std::string_view text, std::string_view label)
         return;
     }
     const std::string_view name = FIELD_ItemName(text);
-    for (const Fixture& fixture : FIXTURES) {
+    for (const WVFRM_Fixture& fixture : WVFRM_FIXTURES) {
         if (name == fixture.sName) {
             ReadFixture(text, fixture, label);
             return;
@@ -244,7 +228,7 @@ void WVFRM_Close(std::string_view label, WVFRM_Mode mode)
     }
     const wvfrm& table = *std::exchange(gpCurWvfrm, nullptr);
     if (mode == WVFRM_DRIVER) {
-        for (const Fixture& fixture : std::span(FIXTURES).first(REQUIRED_FIXTURES)) {
+        for (const WVFRM_Fixture& fixture : std::span(WVFRM_FIXTURES).first(REQUIRED_FIXTURES)) {
             if (table.*fixture.ppdField == nullptr) {
                 MSG_Error(2004, fixture.sName, label, guiWvfrmLine);
             }

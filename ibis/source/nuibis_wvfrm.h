@@ -16,6 +16,24 @@ enum WVFRM_Mode : int {
     WVFRM_COMPOSITE = 3,
 };
 
+/// An item of the circuit that a waveform was taken into: its name in the file and its field.
+struct WVFRM_Fixture {
+    std::string_view sName;
+    double* wvfrm::*ppdField;
+};
+
+inline constexpr std::array<WVFRM_Fixture, 9> WVFRM_FIXTURES{{
+    {"R_fixture", &wvfrm::pdRFixture},
+    {"V_fixture", &wvfrm::pdVFixture},
+    {"V_fixture_min", &wvfrm::pdVFixtureMin},
+    {"V_fixture_max", &wvfrm::pdVFixtureMax},
+    {"C_fixture", &wvfrm::pdCFixture},
+    {"L_fixture", &wvfrm::pdLFixture},
+    {"R_dut", &wvfrm::pdRDut},
+    {"L_dut", &wvfrm::pdLDut},
+    {"C_dut", &wvfrm::pdCDut},
+}};
+
 /// Labels of the golden waveforms, in the order of their keywords from KEY_RISING_WAVEFORM_NEAR on.
 inline constexpr std::array<std::string_view, 8> WVFRM_GOLDEN_LABELS{
     "Rising Waveform Near",       "Rising Waveform Far",       "Falling Waveform Near",

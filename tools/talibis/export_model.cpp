@@ -12,9 +12,12 @@
 #include "ibis/source/nuibis_rcvth.h"
 #include "ibis/source/nuibis_sinfo.h"
 #include "ibis/source/nuibis_smspec.h"
+#include "ibis/source/nuibis_wvfrm.h"
 #include "tools/talibis/export_parts.h"
 #include "tools/talibis/model_items.h"
 #include "tools/talibis/source_file.h"
+
+#include <array>
 
 namespace
 {
@@ -65,23 +68,6 @@ constexpr Item<mspec, rng> SPEC_ITEMS[]{
     {"Weak_I", &mspec::pWeakI},
 };
 
-constexpr Item<rcvth, double> THRESHOLD_ITEMS[]{
-    {"Vth", &rcvth::pdVth},
-    {"Vth_min", &rcvth::pdVthMin},
-    {"Vth_max", &rcvth::pdVthMax},
-    {"Vinh_ac", &rcvth::pdVinhAc},
-    {"Vinh_dc", &rcvth::pdVinhDc},
-    {"Vinl_ac", &rcvth::pdVinlAc},
-    {"Vinl_dc", &rcvth::pdVinlDc},
-    {"Threshold_sensitivity", &rcvth::pdThresholdSensitivity},
-    {"Vcross_low", &rcvth::pdVcrossLow},
-    {"Vcross_high", &rcvth::pdVcrossHigh},
-    {"Vdiff_ac", &rcvth::pdVdiffAc},
-    {"Vdiff_dc", &rcvth::pdVdiffDc},
-    {"Tslew_ac", &rcvth::pdTslewAc},
-    {"Tdiffslew_ac", &rcvth::pdTdiffslewAc},
-};
-
 constexpr Item<sinfo, rng> SERIES_ITEMS[]{
     {"R Series", &sinfo::pRSeries}, {"L Series", &sinfo::pLSeries},   {"Rl Series", &sinfo::pRlSeries},
     {"C Series", &sinfo::pCSeries}, {"Lc Series", &sinfo::pLcSeries}, {"Rc Series", &sinfo::pRcSeries},
@@ -91,18 +77,6 @@ constexpr Item<smspec, rng> TRIGGER_ITEMS[]{
     {"V_trigger_r", &smspec::pVTriggerR},
     {"V_trigger_f", &smspec::pVTriggerF},
     {"Off_delay", &smspec::pOffDelay},
-};
-
-constexpr Item<wvfrm, double> FIXTURE_ITEMS[]{
-    {"R_fixture", &wvfrm::pdRFixture},
-    {"V_fixture", &wvfrm::pdVFixture},
-    {"V_fixture_min", &wvfrm::pdVFixtureMin},
-    {"V_fixture_max", &wvfrm::pdVFixtureMax},
-    {"C_fixture", &wvfrm::pdCFixture},
-    {"L_fixture", &wvfrm::pdLFixture},
-    {"R_dut", &wvfrm::pdRDut},
-    {"L_dut", &wvfrm::pdLDut},
-    {"C_dut", &wvfrm::pdCDut},
 };
 
 constexpr ExportColumn<drvshmodel> SCHEDULE_COLUMNS[]{
@@ -147,9 +121,17 @@ void AddItems(const Record& record, const Item<Record, Value> (&items)[N], json&
     }
 }
 
+// The same with a table that the reader of the block has.
+template <class Record, class Row, std::size_t N>
+void AddItems(const Record& record, const std::array<Row, N>& rows, json& object)
+{
+    for (const Row& row : rows) {
+        object[std::string(row.sName)] = ExportItem(record.*row.ppdField);
+    }
+}
+
 // All items of a block, or null without the block.
-template <class Record, class Value, std::size_t N>
-json ExportBlock(const Record* record, const Item<Record, Value> (&items)[N])
+template <class Record, class Items> json ExportBlock(const Record* record, const Items& items)
 {
     json object;
     if (record != nullptr) {
@@ -181,7 +163,7 @@ json ExportItem(const crv* table)
 
 json ExportWaveform(const wvfrm& waveform)
 {
-    json object = ExportBlock(&waveform, FIXTURE_ITEMS);
+    json object = ExportBlock(&waveform, WVFRM_FIXTURES);
     object["table"] = ExportRows(waveform.pRows, "t");
     object["Composite Current"] =
         waveform.pComposite == nullptr ? json() : ExportRows(waveform.pComposite->pRows, "t");
@@ -241,7 +223,7 @@ json ExportSeries(const sinfo* state)
 
 json ExportThresholds(const rcvth* thresholds)
 {
-    json object = ExportBlock(thresholds, THRESHOLD_ITEMS);
+    json object = ExportBlock(thresholds, RCVTH_NUMBERS);
     if (thresholds != nullptr) {
         object["Reference_supply"] = ExportText(thresholds->pszReferenceSupply);
     }
