@@ -328,6 +328,14 @@ void AppendModel(std::string& out, int model, bool small)
     }
 }
 
+// A pin's name has at most five characters.
+std::string BallName(int pin)
+{
+    static constexpr std::string_view rows = "ABCDEFGHJKLMNPRTUVWY";
+    const auto row = static_cast<std::size_t>(pin) % rows.size();
+    return rows[row] + std::to_string(1 + static_cast<std::size_t>(pin) / rows.size());
+}
+
 constexpr int PINS_OF_MODEL = 8;
 constexpr int MODELS_OF_SELECTOR = 5;  // as many as there are supplies
 
@@ -347,7 +355,7 @@ void AppendPins(std::string& out, int models)
     out += "[Pin]  signal_name  model_name  R_pin  L_pin  C_pin\n";
     for (int pin = 0; pin < models * PINS_OF_MODEL; ++pin) {
         const int model = pin / PINS_OF_MODEL;
-        out += 'P' + std::to_string(pin);
+        out += BallName(pin);
         AppendColumn(out, "D" + std::to_string(pin), 12);
         const bool isSupply = pin % PINS_OF_MODEL == PINS_OF_MODEL - 1;
         const bool isChosen = pin % PINS_OF_MODEL == 0;
@@ -393,13 +401,6 @@ std::string ComponentFile(std::string_view fileName, std::size_t size)
 // Packages -------------------------------------------------------------------------------------------------
 
 constexpr int BAND = 8;
-
-std::string BallName(int pin)
-{
-    static constexpr std::string_view rows = "ABCDEFGHJKLMNPRTUVWY";
-    const auto row = static_cast<std::size_t>(pin) % rows.size();
-    return rows[row] + std::to_string(1 + static_cast<std::size_t>(pin) / rows.size());
-}
 
 void AppendMatrix(std::string& out, std::string_view keyword, int pins, double diagonal,
                   std::string_view unit, double sign)

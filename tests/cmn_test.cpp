@@ -119,6 +119,51 @@ TEST(Value, ReadsEveryShortTextAsTheLibraryDoes)
     }
 }
 
+// Numbers as tables have them, with few digits and with many, near the limits of what is exact and beyond.
+TEST(Value, ReadsPrintedNumbersAsTheLibraryDoes)
+{
+    std::mt19937_64 random(2);
+    constexpr std::array formats{"%.*e", "%.*f", "%.*g"};
+    for (int round = 0; round < 200000; ++round) {
+        const double number =
+            std::ldexp(static_cast<double>(random()) - 9e18, static_cast<int>(random() % 200) - 160);
+        std::array<char, 128> text;
+        std::snprintf(text.data(), text.size(), formats[random() % formats.size()],
+                      static_cast<int>(random() % 21), number);
+        double value = 0.0;
+        ASSERT_EQ(CMN_ReadDouble(text.data(), &value), std::strlen(text.data())) << text.data();
+        const double expected = std::strtod(text.data(), nullptr);
+        ASSERT_EQ(std::memcmp(&value, &expected, sizeof value), 0) << text.data();
+    }
+}
+
+// What is taken as plain is what the judging reader finds good, with the same value.
+TEST(Value, PlainValuesAreGoodValues)
+{
+    std::mt19937 random(3);
+    constexpr std::string_view alphabet = "0123456789..-+eEmunVAsNAna_= \t";
+    int plain = 0;
+    for (int round = 0; round < 400000; ++round) {
+        std::string text(random() % 9 + 1, ' ');
+        std::generate(text.begin(), text.end(), [&] { return alphabet[random() % alphabet.size()]; });
+        std::string_view cursor = text;
+        double taken = 0.0;
+        numstat status = NUM_ABSENT;
+        if (!CMN_TakePlainValue(cursor, &taken, &status)) {
+            continue;
+        }
+        ++plain;
+        std::string_view rest = text;
+        double value = 0.0;
+        bool isNA = false;
+        ASSERT_EQ(CMN_GetValueNA(CMN_NextToken(rest), &value, &isNA), CMN_GOOD) << text;
+        ASSERT_EQ(status, isNA ? NUM_NA : NUM_VALUE) << text;
+        ASSERT_EQ(std::memcmp(&value, &taken, sizeof value), 0) << text;
+        ASSERT_EQ(cursor, rest) << text;
+    }
+    EXPECT_GT(plain, 20000);
+}
+
 TEST(Value, IntegersAndPlainNumbers)
 {
     int number = 0;

@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cfloat>
 #include <charconv>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <system_error>
 
 // Directory of the file last opened; overwritten by CMN_OpenFile and living on from file to file.
@@ -686,20 +688,86 @@ std::size_t ReadAnyDouble(std::string_view text, double* out)
     return static_cast<std::size_t>(result.ptr - text.data());
 }
 
-// Nearly all numbers begin with a digit, or with one behind a minus sign. But for hexadecimal ones and those
-// out of range, they read alike in both grammars.
-inline std::size_t ReadDouble(std::string_view text, double* out)
+// The powers of ten that a double holds exactly.
+constexpr auto POWERS = [] {
+    std::array<double, 23> powers{1.0};
+    for (std::size_t i = 1; i < powers.size(); ++i) {
+        powers[i] = 10.0 * powers[i - 1];
+    }
+    return powers;
+}();
+
+constexpr std::ptrdiff_t SAFE_DIGITS = 19;  // always fit 64 bits
+constexpr std::uint64_t EXACT_LIMIT = std::uint64_t{1} << std::numeric_limits<double>::digits;
+
+const char* ReadDigits(const char* at, const char* end, std::uint64_t& value)
+{
+    for (; at != end && CMN_IsDigit(*at); ++at) {
+        value = 10 * value + static_cast<std::uint64_t>(*at - '0');
+    }
+    return at;
+}
+
+// "e-12" where it stands whole; otherwise the number has ended before it. Four digits are more than enough
+// to be out of range.
+const char* ReadExponent(const char* at, const char* end, int& exponent)
+{
+    if (at == end || (*at != 'e' && *at != 'E')) {
+        return at;
+    }
+    const char* digits = at + 1;
+    const bool minus = digits != end && *digits == '-';
+    digits += digits != end && (*digits == '-' || *digits == '+') ? 1 : 0;
+    if (digits == end || !CMN_IsDigit(*digits)) {
+        return at;
+    }
+    std::uint64_t value = 0;
+    const char* const behind = ReadDigits(digits, std::min(end, digits + 4), value);
+    exponent += minus ? -static_cast<int>(value) : static_cast<int>(value);
+    return behind;
+}
+
+// The numbers of a model have few digits and a small power of ten. Both are then exact as doubles, and the
+// one multiplication or division rounds as the general routine does. Takes text that begins with a digit, or
+// with one behind a minus sign, and gives 0 for all that needs more care.
+inline std::size_t ReadShortDouble(std::string_view text, double* out)
+{
+    if (FLT_EVAL_METHOD != 0) {
+        return 0;  // a wider type would round twice
+    }
+    const char* const end = text.data() + text.size();
+    const char* const first = text.data() + (text.front() == '-' ? 1 : 0);
+    std::uint64_t mantissa = 0;
+    int exponent = 0;
+    const char* at = ReadDigits(first, end, mantissa);
+    if (at != end && *at == '.') {
+        const char* const fraction = at + 1;
+        at = ReadDigits(fraction, end, mantissa);
+        exponent = static_cast<int>(fraction - at);
+    }
+    const std::ptrdiff_t length = at - first;
+    at = ReadExponent(at, end, exponent);
+    const auto power = static_cast<std::size_t>(std::abs(exponent));
+    if (length > SAFE_DIGITS || mantissa > EXACT_LIMIT || power >= POWERS.size() ||
+        (at != end && CMN_IsDigit(*at))) {
+        return 0;
+    }
+    const auto exact = static_cast<double>(mantissa);
+    const double value = exponent < 0 ? exact / POWERS[power] : exact * POWERS[power];
+    *out = text.front() == '-' ? -value : value;
+    return static_cast<std::size_t>(at - text.data());
+}
+
+bool BeginsWithDigit(std::string_view text)
 {
     const std::size_t sign = text.starts_with('-') ? 1 : 0;
-    if (sign < text.size() && CMN_IsDigit(text[sign]) && !IsHexadecimal(text.substr(sign))) {
-        double value = 0.0;
-        const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (result.ec == std::errc()) {
-            *out = value;
-            return static_cast<std::size_t>(result.ptr - text.data());
-        }
-    }
-    return ReadAnyDouble(text, out);
+    return sign < text.size() && CMN_IsDigit(text[sign]) && !IsHexadecimal(text.substr(sign));
+}
+
+inline std::size_t ReadDouble(std::string_view text, double* out)
+{
+    const std::size_t used = BeginsWithDigit(text) ? ReadShortDouble(text, out) : 0;
+    return used != 0 ? used : ReadAnyDouble(text, out);
 }
 
 inline CMN_Number ReadValue(std::string_view text, double* out)
@@ -763,6 +831,23 @@ CMN_Number CMN_GetValueNA(std::string_view text, double* out, bool* isNA)
         return CMN_GOOD;
     }
     return ReadValue(text, out);
+}
+
+bool CMN_TakePlainValue(std::string_view& cursor, double* out, numstat* status)
+{
+    CMN_SkipSpace(cursor);
+    const bool isNA = CMN_EqualN(cursor, "NA", 2);
+    *out = 0.0;
+    const std::size_t used = isNA ? 2 : BeginsWithDigit(cursor) ? ReadShortDouble(cursor, out) : 0;
+    cursor.remove_prefix(used);
+    if (!isNA && !cursor.empty() && CMN_IsAlpha(cursor.front())) {
+        *out *= ScaleOf(cursor.front());
+        do {
+            cursor.remove_prefix(1);
+        } while (!cursor.empty() && CMN_IsAlpha(cursor.front()));
+    }
+    *status = isNA ? NUM_NA : NUM_VALUE;
+    return used != 0 && (cursor.empty() || cursor.front() == ' ' || cursor.front() == '\t');
 }
 
 CMN_Number CMN_GetPlainDouble(std::string_view text, double* out)

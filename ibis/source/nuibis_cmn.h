@@ -236,6 +236,10 @@ int CMN_GetValueOrNA(std::string_view text, std::string_view label, std::string_
                      numstat* status);
 /// The quiet form: "NA" gives 0.0, `*isNA` true and a good result.
 CMN_Number CMN_GetValueNA(std::string_view text, double* out, bool* isNA);
+/// Takes a value or "NA" off the cursor if it is of the usual kind, of which nothing is to be told: digits
+/// with a unit of letters alone, up to white space or the end. False for all others, which the readers above
+/// judge.
+bool CMN_TakePlainValue(std::string_view& cursor, double* out, numstat* status);
 /// A number without a scale.
 CMN_Number CMN_GetPlainDouble(std::string_view text, double* out);
 CMN_Number CMN_GetInt(std::string_view text, int* out);

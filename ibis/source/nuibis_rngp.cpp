@@ -157,6 +157,16 @@ void ReportCount(int count, std::string_view label)
     }
 }
 
+// The row of a line.
+bool Create(rngp** out)
+{
+    if (!RNGP_Create(out)) {
+        MSG_Bug(1404, __FILE_NAME__, __LINE__);
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 int RNGP_Create(rngp** out)
@@ -165,22 +175,37 @@ int RNGP_Create(rngp** out)
     return *out != nullptr ? 1 : 0;
 }
 
-int RNGP_ReadLine(std::string_view text, std::string_view tableLabel, std::string_view firstColumnLabel,
-                  rngp** out, const double* first)
+bool RNGP_ReadPlainLine(std::string_view text, rngp** out)
 {
+    *out = nullptr;
+    rngp values{};
+    bool plain = CMN_TakePlainValue(text, &values.dFirst, &values.eFirst);
+    for (const RNGP_Column& column : RNGP_CORNERS) {
+        plain = plain && CMN_TakePlainValue(text, &(values.*column.pdValue), &(values.*column.peStatus));
+    }
+    CMN_SkipSpace(text);
+    if (!plain || !text.empty()) {
+        return false;
+    }
+    if (Create(out)) {
+        **out = values;
+    }
+    return true;
+}
+
+int RNGP_ReadLine(std::string_view text, std::string_view tableLabel, std::string_view firstColumnLabel,
+                  rngp** out)
+{
+    if (RNGP_ReadPlainLine(text, out)) {
+        return *out != nullptr ? 1 : 0;
+    }
     const CMN_TokenList tokens = CMN_Split(text, 4);
     ReportCount(tokens.iFound, tableLabel);
-    if (!RNGP_Create(out)) {
-        MSG_Bug(1404, __FILE_NAME__, __LINE__);
+    if (!Create(out)) {
         return 0;
     }
     rngp& row = **out;
-    if (first != nullptr) {
-        row.dFirst = *first;
-        row.eFirst = NUM_VALUE;
-    } else {
-        CMN_GetValueOrNA(tokens[0], tableLabel, firstColumnLabel, &row.dFirst, &row.eFirst);
-    }
+    CMN_GetValueOrNA(tokens[0], tableLabel, firstColumnLabel, &row.dFirst, &row.eFirst);
     for (int i = 0; i < 3; ++i) {
         const RNGP_Column& column = RNGP_CORNERS[static_cast<std::size_t>(i)];
         CMN_GetValueOrNA(tokens[i + 1], tableLabel, column.sName, &(row.*column.pdValue),

@@ -24,9 +24,11 @@ inline constexpr std::array<RNGP_Column, 3> RNGP_CORNERS{{
 int RNGP_Create(rngp** out);
 /// Reads a line of four fields. 1 when a row was made, whether or not its values were good; a field that is
 /// missing or unreadable is reported and stays NUM_ABSENT. The caller owns the row until it is appended.
-/// `first` is the number in the first column where the caller has read it already.
 int RNGP_ReadLine(std::string_view text, std::string_view tableLabel, std::string_view firstColumnLabel,
-                  rngp** out, const double* first = nullptr);
+                  rngp** out);
+/// Nearly every line of a table has four values and nothing to be told: true for such a line, with its row,
+/// which is null when memory is out. False for any other line, of which `RNGP_ReadLine` tells.
+bool RNGP_ReadPlainLine(std::string_view text, rngp** out);
 /// Appends to the list that starts at `head` and gives its length with the new row. `checkRepeat` warns
 /// (1403) once for each earlier row whose first column is equal, whatever the statuses; a list is appended to
 /// either always with this check or never. No walk: the list being read is remembered.

@@ -88,13 +88,9 @@ unsigned RowLimit(std::string_view label)
     return geIbisVersion < IBIS_VER_4 || isPulse ? ROW_LIMIT_OLD : ROW_LIMIT;
 }
 
-// Each row behind the limit is told, and kept. `time` may be null.
-void ReadRow(std::string_view text, std::string_view label, const double* time)
+// Each row behind the limit is told, and kept.
+void AppendRow(rngp* row, std::string_view label)
 {
-    rngp* row = nullptr;
-    if (!RNGP_ReadLine(text, label, "Time", &row, time)) {
-        return;
-    }
     unsigned count = 0;
     RNGP_Append(gpCurWvfrm->pRows, row, &count, true);
     if (const unsigned limit = RowLimit(label); count > limit) {
@@ -110,19 +106,17 @@ void ReadRow(std::string_view text, std::string_view label, const double* time)
     }
 }
 
-// A line that does not begin with a fixture's name begins with a number or "NA", or it is refused. The number
-// is the time of a row where nothing is left to tell about it and no equals sign cuts it short.
-void ReadRowOrRefuse(std::string_view text, std::string_view name, std::string_view label)
+// A line that is no fixture's begins with a number or "NA", or it is refused.
+rngp* ReadOddRow(std::string_view text, std::string_view name, std::string_view label)
 {
     double time = 0.0;
     bool isNA = false;
-    const CMN_Number result = CMN_GetValueNA(name, &time, &isNA);
-    if (result == CMN_INVALID) {
+    rngp* row = nullptr;
+    if (CMN_GetValueNA(name, &time, &isNA) == CMN_INVALID) {
         MSG_ErrorLine(2011, label);
-        return;
+        return nullptr;
     }
-    const bool isWhole = name.end() == text.end() || *name.end() != '=';
-    ReadRow(text, label, result == CMN_GOOD && !isNA && isWhole ? &time : nullptr);
+    return RNGP_ReadLine(text, label, "Time", &row) ? row : nullptr;
 }
 
 // End checks ----------------------------------------------------------------------------------------------
@@ -210,14 +204,18 @@ void WVFRM_Line(std::string_view text, std::string_view label)
     if (gpCurWvfrm == nullptr) {
         return;
     }
-    const std::string_view name = FIELD_ItemName(text);
-    for (const WVFRM_Fixture& fixture : WVFRM_FIXTURES) {
-        if (name == fixture.sName) {
-            ReadFixture(text, fixture, label);
+    rngp* row = nullptr;
+    if (!RNGP_ReadPlainLine(text, &row)) {
+        const std::string_view name = FIELD_ItemName(text);
+        if (const WVFRM_Fixture* fixture = FIELD_FindByName(WVFRM_FIXTURES, name); fixture != nullptr) {
+            ReadFixture(text, *fixture, label);
             return;
         }
+        row = ReadOddRow(text, name, label);
     }
-    ReadRowOrRefuse(text, name, label);
+    if (row != nullptr) {
+        AppendRow(row, label);
+    }
 }
 
 void WVFRM_Close(std::string_view label, WVFRM_Mode mode)
