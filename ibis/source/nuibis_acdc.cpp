@@ -126,19 +126,90 @@ CRV_Curve PowerClampOnPadAxis(crv* table, const ACDC_Refs& refs, nuibis_corner c
     return OnPadAxis(table, corner, true, refs.dPowerClamp);
 }
 
+double Conductance(double r)
+{
+    return r < EPSILON ? INFINITE : 1.0 / r;  // A/V
+}
+
+// A segment of a curve: i = dOffset + dSlope * v.
+struct Segment {
+    double dFrom;    // V
+    double dTo;      // V
+    double dSlope;   // A/V
+    double dOffset;  // A, at 0 V
+
+    Segment(const rngp& a, const rngp& b, const RNGP_Column& column)
+        : dFrom(a.dFirst), dTo(b.dFirst),
+          dSlope(dTo - dFrom < EPSILON ? INFINITE : (b.*column.pdValue - a.*column.pdValue) / (dTo - dFrom)),
+          dOffset(a.*column.pdValue - dSlope * dFrom)
+    {
+    }
+};
+
+// A curve that is put under several loads, one after the other.
+class LoadedCurve
+{
+  public:
+    LoadedCurve(const crv* table, nuibis_corner corner)
+    {
+        const RNGP_Column& column = CORNER_Column(corner);
+        const rngp* left = table == nullptr ? nullptr : CRV_NextPoint(table->pHead, corner);
+        const rngp* right = left == nullptr ? nullptr : CRV_NextPoint(left->pNext, corner);
+        if (right == nullptr || left->dFirst > right->dFirst) {
+            return;
+        }
+        mSegments.reserve(ORDINARY_SEGMENTS);
+        for (; right != nullptr; right = CRV_NextPoint(right->pNext, corner)) {
+            mSegments.emplace_back(*left, *right, column);
+            left = right;
+        }
+    }
+
+    // The voltage at which it settles, as `ACDC_LoadLine` tells.
+    bool settle(double vLoad, double r, double guess, double& v) const
+    {
+        const double g = Conductance(r);
+        const double b = g * vLoad;  // current of the load at 0 V, A
+        std::optional<double> answer;
+        double best = INFINITE;  // distance of the answer to the guess, V
+        double crossing = 0.0;
+        for (const Segment& segment : mSegments) {
+            const double den = -g - segment.dSlope;
+            if (std::fabs(den) < EPSILON) {
+                return false;
+            }
+            crossing = (segment.dOffset - b) / den;
+            const double distance = std::fabs(crossing - guess);
+            if (&segment == mSegments.data() && crossing <= segment.dFrom) {
+                answer = crossing;
+            } else if (crossing > segment.dFrom - SEGMENT_SLACK && crossing < segment.dTo + SEGMENT_SLACK &&
+                       distance < best) {
+                answer = crossing;
+                best = distance;
+            }
+        }
+        v = answer.value_or(crossing);
+        return !mSegments.empty();
+    }
+
+  private:
+    static constexpr std::size_t ORDINARY_SEGMENTS = 300;  // two clamps and a driver of 100 rows each
+
+    CMN_Vector<Segment> mSegments;  // none for a curve that cannot be loaded
+};
+
 // What a model's output shows at its pad at one corner, driving low and driving high.
 struct Output {
     const nuibis_mdl& model;
     nuibis_corner eCorner;
-    const crv* pPulldown;  // clamps and [Pulldown], null for a table that cannot be judged
-    const crv* pPullup;    // clamps and [Pullup]
+    const LoadedCurve* pPulldown;  // clamps and [Pulldown], null for a table that cannot be judged
+    const LoadedCurve* pPullup;    // clamps and [Pullup]
 };
 
 // The voltage at which a curve settles under a load.
-bool Settle(const Output& output, const crv* curve, double vLoad, double r, double guess, double& v)
+bool Settle(const LoadedCurve* curve, double vLoad, double r, double guess, double& v)
 {
-    double current = 0.0;
-    return ACDC_LoadLine(curve, vLoad, r, output.eCorner, guess, &v, &current);
+    return curve != nullptr && curve->settle(vLoad, r, guess, v);
 }
 
 // [Ramp] --------------------------------------------------------------------------------------------------
@@ -155,8 +226,8 @@ void CompareSwing(const Output& output, const Transition& transition, double r)
 {
     double low = 0.0;
     double high = 0.0;
-    if (!Settle(output, output.pPulldown, transition.dLoad, r, transition.dPulldown, low) ||
-        !Settle(output, output.pPullup, transition.dLoad, r, transition.dPullup, high)) {
+    if (!Settle(output.pPulldown, transition.dLoad, r, transition.dPulldown, low) ||
+        !Settle(output.pPullup, transition.dLoad, r, transition.dPullup, high)) {
         return;
     }
     const double expected = RAMP_SHARE * std::fabs(low - high);
@@ -271,8 +342,8 @@ void CheckWaveform(const Output& output, const wvfrm& waveform, bool rising)
     Settled settled{};
     settled.dLow = (rising ? ends.pFirst : ends.pLast)->*column.pdValue;
     settled.dHigh = (rising ? ends.pLast : ends.pFirst)->*column.pdValue;
-    if (Settle(output, output.pPulldown, fixture.dV, fixture.dR, settled.dLow, settled.dDcLow) &&
-        Settle(output, output.pPullup, fixture.dV, fixture.dR, settled.dHigh, settled.dDcHigh)) {
+    if (Settle(output.pPulldown, fixture.dV, fixture.dR, settled.dLow, settled.dDcLow) &&
+        Settle(output.pPullup, fixture.dV, fixture.dR, settled.dHigh, settled.dDcHigh)) {
         CompareEnds(output, fixture, settled, rising ? "Rising" : "Falling");
     }
 }
@@ -347,8 +418,8 @@ Reach DriveThrough(const Output& output, const TestLoad& load)
 {
     double low = 0.0;
     double high = 0.0;
-    const bool hasLow = Settle(output, output.pPulldown, load.dVref, load.dRref, 0.0, low);
-    const bool hasHigh = Settle(output, output.pPullup, load.dVref, load.dRref, 0.0, high);
+    const bool hasLow = Settle(output.pPulldown, load.dVref, load.dRref, 0.0, low);
+    const bool hasHigh = Settle(output.pPullup, load.dVref, load.dRref, 0.0, high);
     if (!hasLow && !hasHigh) {
         return Reach::Unsolved;
     }
@@ -392,7 +463,7 @@ void CheckVmeas(const Output& output)
 // One corner of a driver ----------------------------------------------------------------------------------
 
 void CheckCorner(const nuibis_mdl& model, nuibis_corner corner)
-{
+try {
     const bool lowUsable = IsUsable(model.pPulldown, corner);
     const bool highUsable = IsUsable(model.pPullup, corner);
     if (model.pPulldown != nullptr && model.pPullup != nullptr && !lowUsable && !highUsable) {
@@ -411,11 +482,15 @@ void CheckCorner(const nuibis_mdl& model, nuibis_corner corner)
     CRV_ReportPiecewise(low.get(), model.szName, "Combined Pulldown for Model:", corner, MSG_Severity::Note);
     CRV_ReportPiecewise(high.get(), model.szName, "Combined Pullup for Model:", corner, MSG_Severity::Note);
     if (gbAcDcChecks) {
-        const Output output{model, corner, low.get(), high.get()};
+        const LoadedCurve loadedLow(low.get(), corner);
+        const LoadedCurve loadedHigh(high.get(), corner);
+        const Output output{model, corner, &loadedLow, &loadedHigh};
         CheckRamp(output);
         CheckWaveforms(output);
-        CheckVmeas({model, corner, lowUsable ? low.get() : nullptr, highUsable ? high.get() : nullptr});
+        CheckVmeas({model, corner, lowUsable ? &loadedLow : nullptr, highUsable ? &loadedHigh : nullptr});
     }
+} catch (const std::bad_alloc&) {
+    // Told by the allocation itself.
 }
 
 // [ISSO_PU] and [ISSO_PD] ---------------------------------------------------------------------------------
@@ -666,43 +741,15 @@ ACDC_Refs ACDC_GetRefs(const nuibis_mdl& model, nuibis_corner corner)
 
 bool ACDC_LoadLine(const crv* table, double vLoad, double r, nuibis_corner corner, double guess, double* v,
                    double* i)
-{
-    const rngp* left = table == nullptr ? nullptr : CRV_NextPoint(table->pHead, corner);
-    const rngp* right = left == nullptr ? nullptr : CRV_NextPoint(left->pNext, corner);
-    if (right == nullptr || left->dFirst > right->dFirst) {
+try {
+    if (!LoadedCurve(table, corner).settle(vLoad, r, guess, *v)) {
         return false;
     }
-    const RNGP_Column& column = CORNER_Column(corner);
-    const double g = r < EPSILON ? INFINITE : 1.0 / r;  // conductance of the load, A/V
-    const double b = g * vLoad;                         // current of the load at 0 V, A
-    std::optional<double> answer;
-    double best = INFINITE;  // distance of the answer to the guess, V
-    double crossing = 0.0;
-    for (bool first = true; right != nullptr; first = false) {
-        const double va = left->dFirst;
-        const double vb = right->dFirst;
-        const double ia = left->*column.pdValue;
-        const double ib = right->*column.pdValue;
-        // Segment: i = ia + slope * (v - va). Load: i = b - g * v.
-        const double slope = vb - va < EPSILON ? INFINITE : (ib - ia) / (vb - va);  // A/V
-        const double den = -g - slope;
-        if (std::fabs(den) < EPSILON) {
-            return false;
-        }
-        crossing = (ia - slope * va - b) / den;
-        const double distance = std::fabs(crossing - guess);
-        if (first && crossing <= va) {
-            answer = crossing;
-        } else if (crossing > va - SEGMENT_SLACK && crossing < vb + SEGMENT_SLACK && distance < best) {
-            answer = crossing;
-            best = distance;
-        }
-        left = right;
-        right = CRV_NextPoint(right->pNext, corner);
-    }
-    *v = answer.value_or(crossing);
-    *i = b - g * *v;
+    const double g = Conductance(r);
+    *i = g * vLoad - g * *v;
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 void ACDC_CheckModels(const nuibis_mdl* models)

@@ -168,12 +168,15 @@ void AddColumn(CMN_Vector<Addend>& addends, const rngp* head, nuibis_corner corn
     }
 }
 
-void AppendPoint(crv& sum, double v, std::span<Addend> addends)
+// The new last row of the sum.
+rngp* AppendPoint(crv& sum, rngp* last, double v, std::span<Addend> addends)
 {
     rngp* row = nullptr;
     if (!RNGP_Create(&row)) {
         throw std::bad_alloc();
     }
+    (last == nullptr ? sum.pHead : last->pNext) = row;
+    row->pPrev = last;
     row->dFirst = v;
     row->eFirst = NUM_VALUE;
     for (Addend& addend : addends) {
@@ -181,8 +184,7 @@ void AppendPoint(crv& sum, double v, std::span<Addend> addends)
         row->*column.pdValue += addend.column.at(v);
         row->*column.peStatus = NUM_VALUE;
     }
-    unsigned count = 0;
-    RNGP_Append(sum.pHead, row, &count, false);
+    return row;
 }
 
 void Fill(crv& sum, const rngp* a, const rngp* b, unsigned mask)
@@ -196,11 +198,11 @@ void Fill(crv& sum, const rngp* a, const rngp* b, unsigned mask)
     }
     a = NextVoltage(a);
     b = NextVoltage(b);
-    for (double last = NO_VOLTAGE; a != nullptr || b != nullptr;) {
+    rngp* last = nullptr;
+    while (a != nullptr || b != nullptr) {
         const double v = TakeLower(a, b);
-        if (std::fabs(v - last) > SAME_VOLTAGE) {
-            AppendPoint(sum, v, addends);
-            last = v;
+        if (std::fabs(v - (last == nullptr ? NO_VOLTAGE : last->dFirst)) > SAME_VOLTAGE) {
+            last = AppendPoint(sum, last, v, addends);
         }
     }
 }

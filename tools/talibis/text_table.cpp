@@ -73,6 +73,7 @@ std::string Quantity(double value, std::string_view unit)
 {
     static constexpr std::string_view PREFIXES = "afpnum kMGT";
     static constexpr int DIGITS = 4;
+    static constexpr int LOWEST = -324;  // power of ten of a double, and a multiple of three
     static constexpr int LEAST = -18;
     static constexpr int MOST = 12;
     const std::string tail = unit.empty() ? "" : " " + std::string(unit);
@@ -88,7 +89,7 @@ std::string Quantity(double value, std::string_view unit)
     const std::size_t mark = number.find('e');
     const std::string_view power = number.substr(mark + (number[mark + 1] == '+' ? 2 : 1));
     std::from_chars(power.data(), power.data() + power.size(), exponent);
-    const int scale = 3 * static_cast<int>(std::floor(exponent / 3.0));
+    const int scale = LOWEST + (exponent - LOWEST) / 3 * 3;
     if (scale < LEAST || scale > MOST || unit.empty()) {
         const auto plain =
             std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, DIGITS)
