@@ -1,6 +1,7 @@
 // The pieces that every line of a file goes through, one by one, and what a host asks for most: the same file
 // again.
 
+#include "bench/files.h"
 #include "ibis/interface/talibis.h"
 #include "ibis/source/nuibis_curve.h"
 #include "ibis/source/nuibis_msg.h"
@@ -9,53 +10,11 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <numbers>
 #include <string>
 
 namespace
 {
-
-// A folder for as long as the process lives.
-class Folder
-{
-  public:
-    Folder() : mPath((std::filesystem::temp_directory_path() / "talibis_bench_XXXXXX").string())
-    {
-        if (mkdtemp(mPath.data()) == nullptr) {
-            std::abort();
-        }
-    }
-    ~Folder() { std::filesystem::remove_all(mPath); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(mPath + "/" + name, std::ios::binary) << text;
-        return mPath + "/" + name;
-    }
-
-  private:
-    std::string mPath;
-};
-
-const Folder& Files()
-{
-    static const Folder folder;
-    return folder;
-}
-
-std::string Repeated(std::string_view text, int count)
-{
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
 
 constexpr int LINES = 20'000;
 constexpr std::string_view ROW_LINE = "      -3.30000e+00  -2.45000e-02  -1.84000e-02  -3.18000e-02";
@@ -63,7 +22,7 @@ constexpr std::string_view ROW_LINE = "      -3.30000e+00  -2.45000e-02  -1.8400
 void LineReader(benchmark::State& state, std::string_view end)
 {
     const std::string path =
-        Files().write("lines.txt", Repeated(std::string(ROW_LINE) + std::string(end), LINES));
+        WriteBenchFile("lines.txt", Repeated(std::string(ROW_LINE) + std::string(end), LINES));
     for (auto _ : state) {
         CMN_Stream stream;
         stream.attach(CMN_FOpen(path.c_str(), "r"));
@@ -85,7 +44,7 @@ BENCHMARK_CAPTURE(LineReader, Illegal, "\xb1\n")->Unit(benchmark::kMicrosecond);
 void Classification(benchmark::State& state)
 {
     const std::string path =
-        Files().write("comments.ibs", "[IBIS Ver] 5.1\n" + Repeated("| Voltage   I(typ)   I(min)\n", LINES));
+        WriteBenchFile("comments.ibs", "[IBIS Ver] 5.1\n" + Repeated("| Voltage   I(typ)   I(min)\n", LINES));
     for (auto _ : state) {
         benchmark::DoNotOptimize(PARSE_ReadFile(path.c_str(), IBIS_FILE_IBS));
     }
@@ -180,7 +139,7 @@ BENCHMARK(Combine)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 void CacheHit(benchmark::State& state)
 {
-    const std::string path = Files().write("cached.ibs", "[IBIS Ver] 5.1\n[End]\n");
+    const std::string path = WriteBenchFile("cached.ibs", "[IBIS Ver] 5.1\n[End]\n");
     TalIbis* handle = nullptr;
     for (auto _ : state) {
         talReadIbisFile(path.c_str(), IBIS_FILE_IBS, &handle);

@@ -1,0 +1,46 @@
+#include "bench/files.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace
+{
+
+class Folder
+{
+  public:
+    Folder() : mPath((std::filesystem::temp_directory_path() / "talibis_bench_XXXXXX").string())
+    {
+        if (mkdtemp(mPath.data()) == nullptr) {
+            std::abort();
+        }
+    }
+    ~Folder() { std::filesystem::remove_all(mPath); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    const std::string& path() const { return mPath; }
+
+  private:
+    std::string mPath;
+};
+
+}  // namespace
+
+std::string WriteBenchFile(const std::string& name, const std::string& text)
+{
+    static const Folder folder;
+    const std::string path = folder.path() + "/" + name;
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
+}
+
+std::string Repeated(std::string_view text, int count)
+{
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
