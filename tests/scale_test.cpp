@@ -1,12 +1,15 @@
 // Cost of a read against the size of each list that a file can grow. Four times the entries may cost some
 // four times the time; a walk for each entry would cost sixteen times.
 
+#include "ibis/interface/talibis_tool.h"
 #include "tests/builders.h"
 
 #include <algorithm>
 #include <ctime>
 #include <functional>
 #include <ostream>
+
+#include <malloc.h>
 
 namespace
 {
@@ -207,7 +210,7 @@ const Scale SCALES[] = {
          return Parameters(Repeat(n, [](auto i) { return "(b" + i; }) + "(Usage In)" + std::string(n, ')'));
      },
      "t.ami"},
-    {"messages", 20000, [](std::size_t n) { return Bare(Repeat(n, [](auto) { return "[Nonsense]\n"; })); }},
+    {"messages", 50000, [](std::size_t n) { return Bare(Repeat(n, [](auto) { return "[Nonsense]\n"; })); }},
     {"characters of a line", 300000,
      [](std::size_t n) { return OfModel("[Notes] " + std::string(n, 'x') + " \x01\n"); }},
     {"comments", 100000, [](std::size_t n) { return OfModel(Repeat(n, [](auto) { return "|  x\n"; })); }},
@@ -226,6 +229,12 @@ double CostOf(const Scale& scale, std::size_t n)
     return least;
 }
 
+std::size_t HeapInUse()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
 class Scaling : public testing::TestWithParam<Scale>
 {
 };
@@ -241,6 +250,47 @@ TEST_P(Scaling, FourTimesTheEntriesCostAboutFourTimesTheTime)
     RecordProperty("ratio", std::to_string(four / one));
     // Half of the way to the square; 5 ms are the grain of a busy machine.
     EXPECT_LT(four, 8 * one + 0.005) << scale.pszWhat << ": " << one << " s, then " << four << " s";
+}
+
+// What the heap holds while a file of nothing but faults is read: the text of each finding and little more.
+TEST(Scale, AMessageTakesABoundedAmountOfMemory)
+{
+    const std::size_t probe = HeapInUse();
+    const std::string block(1 << 20, 'x');
+    if (HeapInUse() - probe < block.size()) {
+        GTEST_SKIP() << "this allocator does not tell what it holds";
+    }
+    struct Sample {
+        std::size_t uiCount = 0;
+        std::size_t uiText = 0;
+        std::size_t uiPeak = 0;
+    };
+    constexpr std::size_t perMessage = 128;  // record, entry of the list, and what the allocator adds
+    constexpr std::size_t perFile = 4 << 20;
+    for (const auto& [count, line] : {std::pair(200'000, std::string("[Nonsense]\n")),
+                                      std::pair(20'000, std::string(1100, 'x') + "\n")}) {
+        SCOPED_TRACE(line.substr(0, 12));
+        const std::size_t lines = static_cast<std::size_t>(count);
+        const std::string text = Bare(Repeat(lines, [&fault = line](auto) { return fault; }));
+        ReadHandle(Bare(""));  // lets go of what the file before has left
+        const std::size_t before = HeapInUse();
+        Sample sample;
+        talSetListener(
+            [](void* context, const TalIbisFinding& finding) {
+                auto& at = *static_cast<Sample*>(context);
+                at.uiText += finding.sText.size();
+                if (++at.uiCount % 1000 == 0) {
+                    at.uiPeak = std::max(at.uiPeak, HeapInUse());
+                }
+            },
+            &sample);
+        ReadHandle(text);
+        talSetListener(nullptr, nullptr);
+        EXPECT_GE(sample.uiCount, lines);
+        EXPECT_LT(sample.uiPeak, before + sample.uiText + perMessage * sample.uiCount + perFile);
+        RecordProperty("bytes", std::to_string((sample.uiPeak - before) / sample.uiCount) +
+                                    " of which text " + std::to_string(sample.uiText / sample.uiCount));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Lists, Scaling, testing::ValuesIn(SCALES), [](const auto& info) {
