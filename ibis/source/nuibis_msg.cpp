@@ -67,16 +67,12 @@ class Writer
         std::copy_n(text.data(), length, mOut.data() + mUsed);
         mUsed += length;
     }
-    void putPadded(std::string_view text, std::size_t width, bool left)
+    void putPadded(std::string_view text, std::size_t width)
     {
-        const std::size_t blanks = width > text.size() ? width - text.size() : 0;
-        for (std::size_t i = 0; !left && i < blanks; ++i) {
+        for (std::size_t i = text.size(); i < width; ++i) {
             put(' ');
         }
         put(text);
-        for (std::size_t i = 0; left && i < blanks; ++i) {
-            put(' ');
-        }
     }
     std::size_t finish()
     {
@@ -90,7 +86,6 @@ class Writer
 };
 
 struct Conversion {
-    bool bLeft = false;
     std::size_t uiWidth = 0;
     int iPrecision = -1;
     char cType = '\0';
@@ -99,10 +94,6 @@ struct Conversion {
 Conversion ReadConversion(const char*& p)
 {
     Conversion conversion;
-    if (*p == '-') {
-        conversion.bLeft = true;
-        ++p;
-    }
     while (*p >= '0' && *p <= '9') {
         conversion.uiWidth = conversion.uiWidth * 10 + static_cast<std::size_t>(*p++ - '0');
     }
@@ -157,7 +148,7 @@ void PutConversion(Writer& out, const Conversion& conversion, const MSG_Arg& arg
         text = FloatText(buffer, conversion, arg.dValue);
         break;
     }
-    out.putPadded(text, conversion.uiWidth, conversion.bLeft);
+    out.putPadded(text, conversion.uiWidth);
 }
 
 // WORD (line NNNN) - text, or the short numbered head in place of the word.
