@@ -258,6 +258,9 @@ TEST(AmiObjects, ListsOwnWhatTheyHold)
     EXPECT_EQ(list[2]->getKind(), TalIbisAMI_NodeData::Empty);
     list.resize(5);
     EXPECT_EQ(list[4], nullptr);
+    std::ostringstream out;
+    list.output(out);  // a place that holds nothing has no line
+    EXPECT_EQ(out.str(), "  n\n    d: Unknown data\n\n");
     list.resize(1);
     EXPECT_EQ(list.find("d"), nullptr);
     EXPECT_EQ(list.find("n"), list[0]);
@@ -524,4 +527,17 @@ TEST(AmiValues, CopiesAreTheirOwnAndEachKindAnswersForItself)
     EXPECT_STREQ(other.getStringValue(), "x");
     EXPECT_EQ(other.getRealValue(), 0.0);
     EXPECT_EQ(value.getRealValue(), 1.5);
+
+    const Lines tokens{"1", "2", "3", "4"};
+    AMI_Table table;
+    table.setTableData(tokens.begin(), tokens.end(), 2, 2);
+    AMI_Table second(table);
+    AMI_Table third;
+    third = std::move(second);
+    table = *&table;
+    for (const AMI_Table* each : {&table, &third}) {
+        EXPECT_EQ(each->getNumRows(), 2U);
+        EXPECT_EQ(each->getNumColumns(), 2U);
+        EXPECT_EQ(each->getCells().size(), 4U);
+    }
 }

@@ -106,6 +106,15 @@ TEST(AmiInput, TakesTheInstancesAndAppends)
     EXPECT_EQ(text, "ahead:(m\n    (a -7)\n)");
 }
 
+// A host may hold fewer instances than the file has definitions.
+TEST(AmiInput, WithoutInstancesThereIsNoText)
+{
+    Exchange model("(a (Usage InOut)(Type Integer)(Value 3))(g (b (Usage InOut)(Type Float)(Value 1)))");
+    model.params.clear();
+    EXPECT_EQ(model.input(), "(m\n    (g\n    )\n)");
+    EXPECT_EQ(model.take("(m (a 2)(g (b 2)))"), Lines{"ok"});
+}
+
 TEST(AmiOutput, Tokens)
 {
     EXPECT_EQ(Tokens("(m(a \t1)\n( b\"x y\") )"),

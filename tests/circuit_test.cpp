@@ -204,6 +204,23 @@ TEST(Circuit, NetsOfConverters)
             "NUIBIS_ANALOG_DRIVER "}));
 }
 
+// Converters that share a digital port take the class of all of them: what one drives another one receives.
+TEST(Circuit, DigitalPortOfSeveralConverters)
+{
+    const std::string end = "> Port <x> = NUIBIS_DIGITAL NUIBIS_DIGITAL_DRIVER NUIBIS_DIGITAL_RECEIVER ";
+    std::string ends;
+    for (const char* line : {"8", "9", "10"}) {
+        ends += "\n        [CCALL] Line 26 Node <1>, Conflicting/Associated port = Line <" +
+                std::string(line) + end;
+    }
+    EXPECT_EQ(
+        CallMessages(SPICE + "D_to_A x A A_gnd 0 3 1n 1n\nD_to_A x B A_gnd 0 3 1n 1n\n"
+                             "A_to_D x A A_gnd 1 2\n",
+                     Call("Port_map A n1\nPort_map B n2\nPort_map x 1\n")),
+        (Lines{"ERROR - Component U1 Node <1>: is analog and digital" + ends,
+               "ERROR - Component <U1> Pin <1> Used as Digital in CIRCUIT CALL(s)(pins are analog)" + ends}));
+}
+
 TEST(Circuit, LonelyPort)
 {
     EXPECT_EQ(

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
+#include <limits>
 #include <random>
 
 namespace
@@ -77,6 +78,17 @@ TEST(Value, ScaleLettersAndUnits)
 // The fast reader and the C library's agree on every text: on what they take and on every bit of the value.
 TEST(Value, ReadsAsTheLibraryDoes)
 {
+    // Texts of the rare grammar whose length is about that of a buffer.
+    for (std::size_t n : {100U, 124U, 125U, 126U, 127U, 128U, 129U, 5000U}) {
+        for (const std::string& text : {"0x" + std::string(n, 'f'), "1" + std::string(n, '0') + "e999",
+                                        "0." + std::string(n, '0') + "1e-400x"}) {
+            char* end = nullptr;
+            const double expected = std::strtod(text.c_str(), &end);
+            double value = 0.0;
+            EXPECT_EQ(CMN_ReadDouble(text, &value), static_cast<std::size_t>(end - text.c_str())) << text;
+            EXPECT_EQ(value, expected) << text;
+        }
+    }
     std::mt19937 random(1);
     const std::string alphabet = "0123456789012345678901234567890123456789....eE+-xXpPabfinNt( )_";
     for (int round = 0; round < 200000; ++round) {
@@ -178,6 +190,8 @@ TEST(Value, IntegersAndPlainNumbers)
     EXPECT_EQ(CMN_GetUnsigned("-1", &count), CMN_INVALID);
     EXPECT_EQ(CMN_GetUnsigned("8pins", &count), CMN_SUSPICIOUS);
     EXPECT_EQ(count, 8U);
+    EXPECT_EQ(CMN_GetUnsigned("99999999999", &count), CMN_GOOD);
+    EXPECT_EQ(count, std::numeric_limits<unsigned>::max());
     double value = 0.0;
     EXPECT_EQ(CMN_GetPlainDouble("1.5n", &value), CMN_SUSPICIOUS);
     EXPECT_EQ(value, 1.5);
@@ -275,12 +289,14 @@ TEST(Fields, ThreeWaysToFillThem)
     char wide[1025] = "";
     EXPECT_TRUE(CMN_SetStringStrict(wide, std::string(1000, 'w'), 44, "Wide"));
     EXPECT_EQ(std::strlen(wide), 1000U);
+    EXPECT_FALSE(CMN_SetStringStrict(wide, "x", 44, "Wide"));
     EXPECT_EQ(Stored(),
               (Lines{"ERROR (line    3) - Zero length value for keyword 'Name'.",
                      "ERROR (line    3) -\n    Name string 'abcdef' is too long, truncating to 5 characters.",
                      "ERROR (line    3) - Duplicate 'Name' keyword.",
                      "ERROR (line    3) - Wide string '" + std::string(1000, 'w') +
-                         "' is too long, maximum length 44 allowed."}));
+                         "' is too long, maximum length 44 allowed.",
+                     "ERROR (line    3) - Duplicate 'Wide' keyword."}));
 }
 
 TEST(Section, ItemsAndTheirFaults)

@@ -451,6 +451,22 @@ TEST(BoardReferences, FilesOfTheWorkingDirectory)
     std::filesystem::current_path(former);
 }
 
+// A host may name the folder with or without its slash.
+TEST(BoardReferences, FolderGetsItsSlash)
+{
+    const Totals quiet;
+    WritePart();
+    ReadHandle(Ebd(Board("Pin A1 Node U1.1\n", "[Reference Designator Map]\nU1 part.ibs Chap\n")), "t.ebd");
+    for (const char* end : {"", "/"}) {
+        MSG_ClearContainer();
+        CMN_SetDirectory(TestFolder() + end);
+        ibis* root = nullptr;
+        IBIS_GetCurrent(&root);
+        EBDMDL_CheckFile(root->pBoards, false);
+        EXPECT_EQ(StoredMessages(), Lines{NoComponent("Chap", TestFolder() + "/part.ibs")});
+    }
+}
+
 TEST(Board, DeepForksNeedNoStack)
 {
     std::string open;

@@ -1,5 +1,6 @@
 // What happens when memory runs out: at each allocation of a read, and at each one of a query.
 
+#include "ibis/interface/talibis_ami.h"
 #include "ibis/interface/talibis_tool.h"
 #include "platform/qelrt_inspect.h"
 #include "tests/builders.h"
@@ -269,6 +270,19 @@ TEST(Memory, EachAllocationOfAQueryMayFail)
         });
         EXPECT_GT(failures, 100);
     }
+}
+
+TEST(Memory, NodesAreFoundWithoutMemoryForTheirIndex)
+{
+    TalIbisAMI_NodeDataList list;
+    list.append(new TalIbisAMI_Node(1, "a"));
+    list.append(new TalIbisAMI_Node(1, "b"));
+    gNewFailure.arm(0, true);
+    const TalIbisAMI_NodeData* const found = list.find("b");
+    const TalIbisAMI_NodeData* const missing = list.find("c");
+    EXPECT_TRUE(gNewFailure.disarm());
+    EXPECT_EQ(found, list[1]);
+    EXPECT_EQ(missing, nullptr);
 }
 
 TEST(Memory, EachAllocationOutsideTheParserMayFail)

@@ -22,7 +22,7 @@ std::string Everything()
                       "[Rgnd] 50 NA NA\n"
                       "[Rac] 100 90 110\n"
                       "[Driver Schedule]\nA 1n 2n NA NA\nB NA NA 3n 4n\n"
-                      "[Add Submodel]\nS Non-Driving\nT All\n"
+                      "[Add Submodel]\nS Non-Driving\nT All\nF Driving\n"
                       "[Rising Waveform]\nV_fixture = 3.3\nV_fixture_min = 3.0\nR_fixture = 50\n0 0 0 0\n"
                       "1n 1.65 1.5 1.8\n") +
                Driver("A") + Driver("B") +
@@ -31,7 +31,8 @@ std::string Everything()
                "[Submodel] S\nSubmodel_type Dynamic_clamp\n[Submodel Spec]\nV_trigger_r 1.5 NA 1.6\n"
                "Off_delay 1n 0.5n 2n\n[GND Clamp]\n-1 -1m -1m -1m\n0 0 0 0\n"
                "[Submodel] T\nSubmodel_type Bus_hold\n[Pullup]\n0 0 0 0\n1 -1m -1m -1m\n"
-               "[Submodel] U\n");
+               "[Submodel] U\n"
+               "[Submodel] F\nSubmodel_type Fall_back\n[Submodel Spec]\nV_trigger_f 1.2 1.1 1.3\n");
 }
 
 const TalIbis& EverythingFile()
@@ -51,7 +52,7 @@ TEST(ModelQueries, ListsInFileOrder)
     const TalIbis& file = EverythingFile();
     EXPECT_EQ(Rows(file, &TalIbis::getModelList), (Lines{"M", "A", "B", "R"}));
     EXPECT_EQ(Rows(file, &TalIbis::getModelSelectorList), Lines{"SEL"});
-    EXPECT_EQ(Rows(file, &TalIbis::getSubmodelList, "M"), (Lines{"S", "T"}));
+    EXPECT_EQ(Rows(file, &TalIbis::getSubmodelList, "M"), (Lines{"S", "T", "F"}));
     EXPECT_EQ(Rows(file, &TalIbis::getSubmodelList, "R"), Lines{});
     EXPECT_EQ(Rows(file, &TalIbis::getSubmodelList, "none"),
               Lines{"-1 Model 'none' not found in the IBIS file '" + File() + "'"});
@@ -164,6 +165,10 @@ TEST(ModelQueries, Submodels)
                      "  V_trigger_r     1.5           1.5           1.6"}));
     EXPECT_EQ(Rows(file, &TalIbis::getSubmodelInfo, "M", "T"),
               (Lines{"Mode:     All", "Type:     Bus_hold"}));
+    EXPECT_EQ(Rows(file, &TalIbis::getSubmodelInfo, "M", "F"),
+              (Lines{"Mode:     Driving", "Type:     Fall_back",
+                     "Spec:", "  Subparameter    typ           min           max", std::string(54, '-'),
+                     "  V_trigger_f     1.2           1.1           1.3"}));
     EXPECT_EQ(Rows(file, &TalIbis::getSubmodelInfo, "M", "U"),
               (Lines{"-1 Sub model 'U' not found under model 'M' in the IBIS file '" + File() + "'",
                      "Type:     Not_set"}));

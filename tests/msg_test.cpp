@@ -151,6 +151,40 @@ TEST(Message, SuppressionCountsAndStatus)
     EXPECT_TRUE(Summary().ends_with("\nFile Failed\n"));
 }
 
+// A severity that is suppressed is neither stored nor counted nor told; the others are.
+TEST(Message, EachSeverityIsSuppressedByItself)
+{
+    const std::pair<void (*)(bool), std::string> rows[] = {{MSG_SetSuppressBugs, "EWC"},
+                                                           {MSG_SetSuppressErrors, "PWC"},
+                                                           {MSG_SetSuppressWarnings, "PEC"},
+                                                           {MSG_SetSuppressCautions, "PEW"}};
+    MSG_SetSuppressCautions(false);
+    for (const auto& [suppress, left] : rows) {
+        unsigned bugs = 0;
+        unsigned errors = 0;
+        unsigned warnings = 0;
+        MSG_GetCounts(&bugs, &errors, &warnings);
+        MSG_ClearContainer();
+        suppress(true);
+        MSG_Bug(1811, "p", 1);
+        MSG_Error(903);
+        MSG_Warning(219, "M");
+        MSG_Caution(182, "M");
+        suppress(false);
+        std::string initials;
+        for (const std::string& line : StoredMessages()) {
+            initials += line.front();
+        }
+        EXPECT_EQ(initials, left);
+        unsigned now[3];
+        MSG_GetCounts(&now[0], &now[1], &now[2]);
+        EXPECT_EQ(now[0] - bugs, left.find('P') != left.npos ? 1U : 0U);
+        EXPECT_EQ(now[1] - errors, left.find('E') != left.npos ? 1U : 0U);
+        EXPECT_EQ(now[2] - warnings, left.find('W') != left.npos ? 1U : 0U);
+    }
+    MSG_SetSuppressCautions(true);
+}
+
 TEST(Message, NumberedFramesAreCountedAndNotStored)
 {
     MSG_ClearContainer();

@@ -37,7 +37,7 @@ const TalIbis& File()
         component("U", "") + component("UP", "P") + Matrices("M", "40") + Matrices("W", "40 4") + Head("S") +
         "[Number Of Sections] 3\n[Number Of Pins] 3\n[Pin Numbers]\nP1 Len=1 L=1n /\n"
         "P2 Len=1 L=1n C=2p R=3 /\nFork\nLen=2 L=4n /\nLen=0 C=5p /\nEndfork\nLen=0 R=6 /\n"
-        "P3 Len=0 R=1 /\nFork\nLen=0 R=2 /\nEndfork\n[End Package Model]\n" +
+        "P3 Len=0 R=1 /\nFork\nFork\nLen=0 R=2 /\nEndfork\nEndfork\n[End Package Model]\n" +
         Head("P") + "[Number Of Pins] 1\n[Pin Numbers]\nP1\n[End Package Model]\n"));
 }
 
@@ -67,9 +67,9 @@ TEST(PackageQueries, SectionsOfAPin)
                                                                         "1", "2", "4e-09", "0",     "0",  //
                                                                         "1", "0", "0",     "5e-12", "0",  //
                                                                         "0", "0", "0",     "0",     "6"}));
-    // A path may end with a branch.
+    // A path may end with a branch, and a branch may begin with one.
     EXPECT_EQ(Rows(file, &TalIbis::getIbisPkgModel, "US", "P3"),
-              (Lines{"0", "0", "0", "0", "1", "1", "0", "0", "0", "2"}));
+              (Lines{"0", "0", "0", "0", "1", "2", "0", "0", "0", "2"}));
     EXPECT_EQ(Rows(file, &TalIbis::getIbisPkgModel, "US", "P1"), Lines{}) << "the first pin has no path";
 }
 
