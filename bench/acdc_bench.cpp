@@ -1,5 +1,6 @@
 // The whole correlation of a large model: four I-V tables of 100 rows and 20 waveforms of 1000 rows.
 
+#include "bench/files.h"
 #include "ibis/interface/talibis.h"
 #include "ibis/source/nuibis_acdc.h"
 #include "ibis/source/nuibis_ibis.h"
@@ -10,7 +11,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -45,7 +45,7 @@ void WriteWaveform(std::ostream& out, const char* edge, int index)
 
 std::string WriteFile()
 {
-    const std::string path = (std::filesystem::temp_directory_path() / "talibis_acdc_bench.ibs").string();
+    const std::string path = BenchPath("talibis_acdc_bench.ibs");
     std::ofstream out(path);
     out << "[IBIS Ver] 5.1\n[File Name] talibis_acdc_bench.ibs\n[File Rev] 1\n[Component] U\n[Manufacturer] "
            "M\n"
@@ -74,7 +74,6 @@ const nuibis_mdl* Model()
         const std::string path = WriteFile();
         TalIbis* handle = nullptr;
         talReadIbisFile(path.c_str(), IBIS_FILE_IBS, &handle);
-        std::filesystem::remove(path);
         ibis* root = nullptr;
         if (!IBIS_GetCurrent(&root) || root->pModels == nullptr) {
             std::abort();

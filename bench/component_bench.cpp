@@ -1,14 +1,14 @@
 // How long a large component takes: reading a file of 5,000 pins with every table of a component filled, and
 // the end-of-file checks of that component alone.
 
+#include "bench/files.h"
 #include "ibis/interface/talibis.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string>
 
 namespace
 {
@@ -115,16 +115,14 @@ void WriteModels(std::ostream& out)
     }
 }
 
-// The file, written once and removed at the end.
-class File
+// The path of the file, written once.
+const std::string& LargeFile()
 {
-  public:
-    File()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "talibis_bench_XXXXXX").string();
-        msFolder = mkdtemp(pattern.data()) == nullptr ? "." : pattern;
-        std::ofstream out(path());
-        out << "[IBIS Ver] 6.0\n[File Name] large.ibs\n[File Rev] 1.0\n[Component] U1\n[Manufacturer] Acme\n"
+    static const std::string path = [] {
+        std::ofstream out(BenchPath("large_component.ibs"));
+        out << "[IBIS Ver] 6.0\n[File Name] large_component.ibs\n[File Rev] 1.0\n[Component] "
+               "U1\n[Manufacturer] "
+               "Acme\n"
                "[Package]\nR_pkg 50m 40m 60m\nL_pkg 2nH 1nH 3nH\nC_pkg 1pF 0.8pF 1.2pF\n";
         WritePins(out);
         WritePairs(out);
@@ -132,24 +130,9 @@ class File
         WriteEmi(out);
         WriteModels(out);
         out << "[End]\n";
-    }
-    ~File()
-    {
-        TalIbisFileManager::destroyInstance();
-        std::error_code ignored;
-        std::filesystem::remove(path(), ignored);
-        std::filesystem::remove(msFolder, ignored);
-    }
-    std::string path() const { return msFolder + "/large.ibs"; }
-
-  private:
-    std::string msFolder;
-};
-
-const File& LargeFile()
-{
-    static const File file;
-    return file;
+        return BenchPath("large_component.ibs");
+    }();
+    return path;
 }
 
 // Both measure a clean component: a message would be one that the file does not deserve.
@@ -164,7 +147,7 @@ bool ExpectClean(benchmark::State& state, const IbisErrorContainer& findings)
 void CheckComponent(benchmark::State& state)
 {
     TalIbis* handle = nullptr;
-    if (!ExpectClean(state, *talReadIbisFile(LargeFile().path().c_str(), IBIS_FILE_IBS, &handle))) {
+    if (!ExpectClean(state, *talReadIbisFile(LargeFile().c_str(), IBIS_FILE_IBS, &handle))) {
         return;
     }
     for (auto step : state) {
@@ -180,7 +163,7 @@ void ReadComponent(benchmark::State& state)
     for (auto step : state) {
         TalIbisFileManager::destroyInstance();
         TalIbis* handle = nullptr;
-        if (!ExpectClean(state, *talReadIbisFile(LargeFile().path().c_str(), IBIS_FILE_IBS, &handle))) {
+        if (!ExpectClean(state, *talReadIbisFile(LargeFile().c_str(), IBIS_FILE_IBS, &handle))) {
             break;
         }
     }

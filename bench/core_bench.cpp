@@ -16,6 +16,15 @@
 namespace
 {
 
+std::string Repeated(std::string_view text, int count)
+{
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
 constexpr int LINES = 20'000;
 constexpr std::string_view ROW_LINE = "      -3.30000e+00  -2.45000e-02  -1.84000e-02  -3.18000e-02";
 

@@ -28,19 +28,15 @@ class Folder
 
 }  // namespace
 
-std::string WriteBenchFile(const std::string& name, const std::string& text)
+std::string BenchPath(const std::string& name)
 {
     static const Folder folder;
-    const std::string path = folder.path() + "/" + name;
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
+    return folder.path() + "/" + name;
 }
 
-std::string Repeated(std::string_view text, int count)
+std::string WriteBenchFile(const std::string& name, const std::string& text)
 {
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
+    const std::string path = BenchPath(name);
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
 }

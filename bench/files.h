@@ -1,12 +1,10 @@
-// Files for the benchmarks, in a folder that lives as long as the process.
+// Files for the benchmarks, in a folder of this process that goes away with it.
 
 #pragma once
 
 #include <string>
-#include <string_view>
 
-/// Writes a file into the folder and gives its path.
+/// Where to write a file of this name.
+std::string BenchPath(const std::string& name);
+/// Writes a file and gives its path.
 std::string WriteBenchFile(const std::string& name, const std::string& text);
-
-/// `text`, `count` times.
-std::string Repeated(std::string_view text, int count);

@@ -2,6 +2,7 @@
 // of the format. The counters tell the numbers of the file, and how far the memory rose above the 8 bytes of
 // each.
 
+#include "bench/files.h"
 #include "ibis/interface/talibis.h"
 
 #include <benchmark/benchmark.h>
@@ -65,7 +66,7 @@ void WriteMatrix(std::ofstream& out, const char* keyword, const Shape& shape)
 
 std::string WritePackage(const Shape& shape)
 {
-    const std::string path = std::filesystem::temp_directory_path() / "talibis_matrix_bench.pkg";
+    const std::string path = BenchPath("talibis_matrix_bench.pkg");
     std::ofstream out(path, std::ios::binary);
     out << "[IBIS Ver] 5.1\n[File Name] talibis_matrix_bench.pkg\n[File Rev] 1.0\n"
            "[Define Package Model] BENCH\n[Manufacturer] Acme\n[OEM] Acme\n[Description] Bench\n"
@@ -135,7 +136,6 @@ void ReadPackage(benchmark::State& state, const Shape& shape)
     state.counters["file_MB"] = static_cast<double>(std::filesystem::file_size(path)) / 1e6;
     state.counters["values_MB"] = numbers * sizeof(double) / 1e6;
     state.counters["peak_MB"] = peak / 1e6;
-    std::filesystem::remove(path);
 }
 
 BENCHMARK_CAPTURE(ReadPackage, Full, FULL)->Unit(benchmark::kMillisecond);
