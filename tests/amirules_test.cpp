@@ -374,7 +374,7 @@ TEST(AmiRules, TreesThatNoTextGives)
     ASSERT_EQ(
         AMI_ParseTree("(r (Model_Specific (p (Usage In)(Type String)(List a)(List_Tip))))", &tree, &position),
         AMI_OK);
-    ASSERT_TRUE(AMI_AddValue(*static_cast<_tagLeafStruct*>(tree->pNodes[tree->iCount - 1].p), "\"\""));
+    ASSERT_TRUE(AMI_AddValue(*tree, *static_cast<_tagLeafStruct*>(tree->pNodes[tree->iCount - 1].p), "\"\""));
     EXPECT_EQ(JudgeTree(tree, IBIS_FILE_PARAM),
               (Lines{"ERROR - Parameter 'p' ListTip value is invalid '\"\"'"}));
     AMI_FreeTree(&tree);

@@ -6,34 +6,117 @@
 #include <array>
 #include <charconv>
 #include <climits>
+#include <utility>
 
 namespace
 {
 
 constexpr std::size_t UNSET = std::string_view::npos;
-constexpr std::string_view TABLE = "Table";
-
 // Words and names -----------------------------------------------------------------------------------------
 
-constexpr std::array<std::string_view, 21> KEYWORDS{
-    "In",     "Out",       "Info",  "InOut", "Dep",      "Float",      "Integer",
-    "String", "Boolean",   "Tap",   "UI",    "Value",    "Range",      "List",
-    "Corner", "Increment", "Steps", "Table", "Gaussian", "Dual-Dirac", "DjRj"};
-
-struct LeafName {
-    std::string_view sName;
-    AMI_LeafType eType;
+struct Word {
+    std::string_view sText;
+    AMI_Keyword eKeyword;
+    AMI_LeafType eLeafType;  // of a leaf of that name
 };
 
-constexpr std::array<LeafName, 7> LEAF_NAMES{{
-    {"Usage", AMI_LEAF_USAGE},
-    {"Type", AMI_LEAF_TYPE},
-    {"Format", AMI_LEAF_FORMAT},
-    {"Default", AMI_LEAF_DEFAULT},
-    {"Description", AMI_LEAF_DESCRIPTION},
-    {"Labels", AMI_LEAF_LABELS},
-    {"List_Tip", AMI_LEAF_LIST_TIP},
+constexpr std::array<Word, AMI_WORD_COUNT> WORDS{{
+    {"In", AMI_IN, AMI_LEAF_ROW},
+    {"Out", AMI_OUT, AMI_LEAF_ROW},
+    {"Info", AMI_INFO, AMI_LEAF_ROW},
+    {"InOut", AMI_INOUT, AMI_LEAF_ROW},
+    {"Dep", AMI_DEP, AMI_LEAF_ROW},
+    {"Float", AMI_FLOAT, AMI_LEAF_ROW},
+    {"Integer", AMI_INTEGER, AMI_LEAF_ROW},
+    {"String", AMI_STRING, AMI_LEAF_ROW},
+    {"Boolean", AMI_BOOLEAN, AMI_LEAF_ROW},
+    {"Tap", AMI_TAP, AMI_LEAF_ROW},
+    {"UI", AMI_UI, AMI_LEAF_ROW},
+    {"Value", AMI_VALUE_FORMAT, AMI_LEAF_FORMAT},
+    {"Range", AMI_RANGE, AMI_LEAF_FORMAT},
+    {"List", AMI_LIST, AMI_LEAF_FORMAT},
+    {"Corner", AMI_CORNER, AMI_LEAF_FORMAT},
+    {"Increment", AMI_INCREMENT, AMI_LEAF_FORMAT},
+    {"Steps", AMI_STEPS, AMI_LEAF_FORMAT},
+    {"Table", AMI_TABLE_FORMAT, AMI_LEAF_FORMAT},
+    {"Gaussian", AMI_GAUSSIAN, AMI_LEAF_FORMAT},
+    {"Dual-Dirac", AMI_DUAL_DIRAC, AMI_LEAF_FORMAT},
+    {"DjRj", AMI_DJRJ, AMI_LEAF_FORMAT},
+    {"Usage", AMI_NO_KEYWORD, AMI_LEAF_USAGE},
+    {"Type", AMI_NO_KEYWORD, AMI_LEAF_TYPE},
+    {"Format", AMI_NO_KEYWORD, AMI_LEAF_FORMAT},
+    {"Default", AMI_NO_KEYWORD, AMI_LEAF_DEFAULT},
+    {"Description", AMI_NO_KEYWORD, AMI_LEAF_DESCRIPTION},
+    {"Labels", AMI_NO_KEYWORD, AMI_LEAF_LABELS},
+    {"List_Tip", AMI_NO_KEYWORD, AMI_LEAF_LIST_TIP},
 }};
+
+// Nearly every text of a file is looked up here. No two words share both length and first letter.
+class WordPlaces
+{
+  public:
+    constexpr WordPlaces()
+    {
+        for (std::size_t i = 0; i < WORDS.size(); ++i) {
+            std::uint8_t& place = mPlaces[slotOf(WORDS[i].sText)];
+            mIsUnique = mIsUnique && place == 0;
+            place = static_cast<std::uint8_t>(i + 1);
+        }
+    }
+    constexpr bool isUnique() const { return mIsUnique; }
+    constexpr const Word* find(std::string_view text) const
+    {
+        if (text.empty() || text.size() > LONGEST || text.front() < 'A' || text.front() > 'Z') {
+            return nullptr;
+        }
+        const std::size_t place = mPlaces[slotOf(text)];
+        return place != 0 && WORDS[place - 1].sText == text ? &WORDS[place - 1] : nullptr;
+    }
+
+  private:
+    static constexpr std::size_t LETTERS = 26;
+    static constexpr std::size_t LONGEST = std::string_view("Description").size();
+
+    static constexpr std::size_t slotOf(std::string_view text)
+    {
+        return text.size() * LETTERS + static_cast<std::size_t>(text.front() - 'A');
+    }
+
+    std::array<std::uint8_t, (LONGEST + 1) * LETTERS> mPlaces{};  // from 1; 0: no such word
+    bool mIsUnique = true;
+};
+
+constexpr WordPlaces PLACES;
+static_assert(PLACES.isUnique());
+
+constexpr std::string_view TABLE = "Table";
+constexpr const Word& FORMAT = *PLACES.find("Format");
+
+// Characters that end a name or a value, or begin a quoted one.
+enum CharClass : std::uint8_t {
+    CHAR_SPACE = 1,
+    CHAR_PAREN = 2,
+    CHAR_QUOTE = 4,
+};
+
+constexpr auto CLASSES = [] {
+    std::array<std::uint8_t, 256> classes{};
+    for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+        classes[c] = CHAR_SPACE;
+    }
+    classes['('] = classes[')'] = CHAR_PAREN;
+    classes['"'] = CHAR_QUOTE;
+    return classes;
+}();
+
+// Place of the next character of these classes, or the end.
+inline std::size_t FindClass(std::string_view text, std::size_t at, unsigned classes)
+{
+    while (at < text.size() && (CLASSES[static_cast<unsigned char>(text[at])] & classes) == 0) {
+        ++at;
+    }
+    return at;
+}
 
 std::string_view TrimEnd(std::string_view text)
 {
@@ -44,6 +127,14 @@ std::string_view TrimEnd(std::string_view text)
 }
 
 // Numbers -------------------------------------------------------------------------------------------------
+
+// Whether a number may begin so: by a digit, a sign, a point, or as "inf" and "nan" do.
+bool MayBeNumber(std::string_view text)
+{
+    static constexpr std::string_view others = "+-.iInN";
+    CMN_SkipSpace(text);
+    return !text.empty() && (CMN_IsDigit(text.front()) || others.find(text.front()) != UNSET);
+}
 
 // As strtol with base 10 takes the whole of it: white space ahead and a sign are allowed.
 bool IsPlainInteger(std::string_view text)
@@ -57,16 +148,10 @@ bool IsPlainInteger(std::string_view text)
     return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
-bool IsNumber(std::string_view text, double* value)
-{
-    return !text.empty() && CMN_ReadDouble(text, value) == text.size();
-}
-
 // "1e3" is a whole number, "1e-3" and "1.0e3" are none.
-bool IsIntegerWithExponent(std::string_view text)
+bool IsIntegerWithExponent(std::string_view text, double value)
 {
-    double value = 0.0;
-    if (text.find_first_of(".xX") != UNSET || !IsNumber(text, &value)) {
+    if (std::any_of(text.begin(), text.end(), [](char c) { return c == '.' || c == 'x' || c == 'X'; })) {
         return false;
     }
     std::size_t exponent = text.find('e');
@@ -77,51 +162,52 @@ bool IsIntegerWithExponent(std::string_view text)
            value <= INT_MAX;
 }
 
-// Growing arrays ------------------------------------------------------------------------------------------
-
-// Room for one more element: the capacity is the count rounded up to a power of two, so that it needs no
-// field.
-template <class T> bool Grow(T*& array, std::int32_t count)
+// AMI_KIND_NONE for what is no number.
+AMI_ValueKind NumberKind(std::string_view text)
 {
-    const auto used = static_cast<std::uint32_t>(count);
-    return (used & (used - 1)) != 0 || CMN_Realloc(array, std::max<std::size_t>(1, 2 * std::size_t{used}));
+    if (!MayBeNumber(text)) {
+        return AMI_KIND_NONE;
+    }
+    if (IsPlainInteger(text)) {
+        return AMI_KIND_INTEGER;
+    }
+    double value = 0.0;
+    if (CMN_ReadDouble(text, &value) != text.size()) {
+        return AMI_KIND_NONE;
+    }
+    return IsIntegerWithExponent(text, value) ? AMI_KIND_INTEGER : AMI_KIND_REAL;
 }
 
-bool AppendChild(_tagBranchStruct& branch, const AMI_NODE& node)
+// Texts and values of a tree ------------------------------------------------------------------------------
+
+// A text for as long as the tree lives; null when memory is out. `word` is the word that it is, or null.
+char* KeepText(_tagTree& tree, std::string_view text, const Word* word)
 {
-    if (!Grow(branch.pNodes, branch.iNodeCount)) {
+    if (word == nullptr) {
+        return BLOCK_CopyText(tree.texts, text);
+    }
+    char*& known = tree.aWords[static_cast<std::size_t>(word - WORDS.data())];
+    if (known == nullptr) {
+        known = BLOCK_CopyText(tree.texts, word->sText);
+    }
+    return known;
+}
+
+bool AppendValue(_tagTree& tree, _tagLeafStruct& leaf, const AMI_VALUE& value)
+{
+    if (value.pszText == nullptr ||
+        !BLOCK_Grow(tree.records, leaf.pValues, static_cast<std::size_t>(leaf.iValueCount))) {
         return false;
     }
-    branch.pNodes[branch.iNodeCount++] = node;
+    leaf.pValues[leaf.iValueCount++] = value;
     return true;
 }
 
-void FreeBranch(_tagBranchStruct* branch)
+// The value that a text, kept as `kept`, is. No word is a number.
+AMI_VALUE ValueOf(std::string_view text, const Word* word, char* kept)
 {
-    CMN_Release(branch->pszName);
-    CMN_Release(branch->pNodes);
-    CMN_Free(branch);
-}
-
-void FreeLeaf(_tagLeafStruct* leaf)
-{
-    for (const AMI_VALUE& value : AMI_Values(*leaf)) {
-        CMN_Free(value.pszText);
-    }
-    CMN_Release(leaf->pValues);
-    CMN_Release(leaf->pszName);
-    CMN_Free(leaf);
-}
-
-void FreeNodes(std::span<AMI_NODE> nodes)
-{
-    for (const AMI_NODE& node : nodes) {
-        if (node.eKind == AMI_BRANCH) {
-            FreeBranch(static_cast<_tagBranchStruct*>(node.p));
-        } else {
-            FreeLeaf(static_cast<_tagLeafStruct*>(node.p));
-        }
-    }
+    return {kept, word == nullptr ? AMI_ClassifyValue(text) : AMI_KIND_WORD,
+            word == nullptr ? AMI_NO_KEYWORD : word->eKeyword};
 }
 
 // Branches by name ----------------------------------------------------------------------------------------
@@ -166,22 +252,18 @@ BranchIndex gBranches;
 class Scanner
 {
   public:
-    explicit Scanner(std::string_view text) : msText(text) {}
+    Scanner(std::string_view text, _tagTree& tree) : msText(text), mTree(tree) {}
 
     /// Writes the next node; `found` is false at the end of the text.
     AMI_Result next(AMI_NODE& node, bool& found);
     int position() const { return static_cast<int>(mAt); }
 
   private:
-    struct Name {
-        std::size_t uiBegin = 0;
-        std::size_t uiEnd = UNSET;  // set by the first white space behind the name
-        bool bSeen = false;         // the name has a character
-    };
-    enum class After { Branch, Leaf, Values, End, Fault };
+    enum class After { Branch, Leaf, End, Fault };
 
     bool atEnd() const { return mAt == msText.size(); }
     char current() const { return msText[mAt]; }
+    std::string_view textFrom(std::size_t begin) const { return msText.substr(begin, mAt - begin); }
     void skipSpace()
     {
         while (!atEnd() && CMN_IsSpace(current())) {
@@ -198,15 +280,15 @@ class Scanner
         skipSpace();
     }
     bool close();
-    After readName(Name& name);
-    bool isTableFormat(const Name& name) const;
-    std::string_view nameText(const Name& name) const;
-    AMI_Result makeBranch(const Name& name, AMI_NODE& node);
-    AMI_Result makeLeaf(const Name& name, AMI_NODE& node);
+    After readName(std::string_view& name);
+    bool isTableFormat(std::string_view name) const;
+    AMI_Result makeBranch(std::string_view name, AMI_NODE& node);
+    AMI_Result makeLeaf(std::string_view name, AMI_NODE& node);
     AMI_Result readValues(_tagLeafStruct& leaf);
-    void skipQuoted(std::size_t& start, std::size_t& gap);
+    std::string_view readValue();
 
     std::string_view msText;
+    _tagTree& mTree;
     std::size_t mAt = 0;
     int mDepth = 0;
 };
@@ -224,146 +306,120 @@ bool Scanner::close()
 }
 
 // "(Format Table ...)" is the branch "Table".
-bool Scanner::isTableFormat(const Name& name) const
+bool Scanner::isTableFormat(std::string_view name) const
 {
     const std::string_view rest = msText.substr(mAt);
-    return rest.size() > TABLE.size() && rest.starts_with(TABLE) &&
-           msText.substr(name.uiBegin).starts_with("Format");
+    return rest.size() > TABLE.size() && rest.starts_with(TABLE) && name.starts_with(FORMAT.sText);
 }
 
-Scanner::After Scanner::readName(Name& name)
+// Closes the branches that end here, and reads a name with the white space behind it.
+Scanner::After Scanner::readName(std::string_view& name)
 {
-    name.uiBegin = mAt;
-    while (!atEnd()) {
-        if (current() == '(') {
-            return After::Branch;
+    while (!atEnd() && current() == ')') {
+        if (!close()) {
+            return After::Fault;
         }
-        if (current() == ')') {
-            if (name.bSeen) {
-                return After::Leaf;
-            }
-            if (!close()) {
-                return After::Fault;
-            }
-            open();
-            name.uiBegin = mAt;
-            continue;
-        }
-        if (CMN_IsSpace(current())) {
-            name.uiEnd = std::min(name.uiEnd, mAt);
-        } else if (name.uiEnd == UNSET) {
-            name.bSeen = true;
-        } else if (isTableFormat(name)) {
-            name.uiBegin = mAt;
-            mAt += TABLE.size();
-            name.uiEnd = mAt;
-            continue;
-        } else {
-            return After::Values;
-        }
-        ++mAt;
+        open();
     }
-    return After::End;
+    const std::size_t begin = mAt;
+    mAt = FindClass(msText, mAt, CHAR_SPACE | CHAR_PAREN);
+    name = textFrom(begin);
+    skipSpace();
+    if (isTableFormat(name)) {
+        name = msText.substr(mAt, TABLE.size());
+        mAt += TABLE.size();
+        skipSpace();
+    }
+    return atEnd() ? After::End : current() == '(' ? After::Branch : After::Leaf;
 }
 
-std::string_view Scanner::nameText(const Name& name) const
-{
-    return msText.substr(name.uiBegin, std::min(name.uiEnd, mAt) - name.uiBegin);
-}
-
-AMI_Result Scanner::makeBranch(const Name& name, AMI_NODE& node)
+AMI_Result Scanner::makeBranch(std::string_view name, AMI_NODE& node)
 {
     ++mDepth;
     _tagBranchStruct* branch = nullptr;
-    if (!CMN_Alloc(branch)) {
+    if (!BLOCK_Take(mTree.records, branch)) {
         return AMI_NO_MEMORY;
     }
     node = {AMI_BRANCH, mDepth / 2, branch};
-    branch->pszName = CMN_StrDup(nameText(name));
+    branch->pszName = KeepText(mTree, name, PLACES.find(name));
     return branch->pszName == nullptr ? AMI_NO_MEMORY : AMI_OK;
 }
 
 // A format's word and the name of a table's row are the first of their leaf's values.
-AMI_Result Scanner::makeLeaf(const Name& name, AMI_NODE& node)
+AMI_Result Scanner::makeLeaf(std::string_view name, AMI_NODE& node)
 {
     ++mDepth;
     _tagLeafStruct* leaf = nullptr;
-    if (!CMN_Alloc(leaf)) {
+    if (!BLOCK_Take(mTree.records, leaf)) {
         return AMI_NO_MEMORY;
     }
     node = {AMI_LEAF, mDepth / 2, leaf};
-    const std::string_view text = nameText(name);
-    const auto* const row = std::find_if(LEAF_NAMES.begin(), LEAF_NAMES.end(),
-                                         [text](const LeafName& known) { return known.sName == text; });
-    const bool named = row != LEAF_NAMES.end();
-    const bool format = !named && AMI_IsFormat(AMI_KeywordOf(text));
-    leaf->eLeafType = named ? row->eType : format ? AMI_LEAF_FORMAT : AMI_LEAF_ROW;
-    leaf->pszName = CMN_StrDup(format ? "Format" : text);
-    if (leaf->pszName == nullptr || (!named && !AMI_AddValue(*leaf, text))) {
+    const Word* const word = PLACES.find(name);
+    char* const kept = KeepText(mTree, name, word);
+    leaf->eLeafType = word == nullptr ? AMI_LEAF_ROW : word->eLeafType;
+    const bool isFormat = leaf->eLeafType == AMI_LEAF_FORMAT;
+    leaf->pszName = isFormat ? KeepText(mTree, FORMAT.sText, &FORMAT) : kept;
+    if (leaf->pszName == nullptr) {
         return AMI_NO_MEMORY;
     }
-    return AMI_OK;
+    const bool isValue = isFormat ? word != &FORMAT : leaf->eLeafType == AMI_LEAF_ROW;
+    return !isValue || AppendValue(mTree, *leaf, ValueOf(name, word, kept)) ? AMI_OK : AMI_NO_MEMORY;
 }
 
-// The token lies between the quotes, what stands ahead of them is lost, and the closing quote ends it as
-// white space would. Without a closing quote the leaf takes the rest of the text and no token.
-void Scanner::skipQuoted(std::size_t& start, std::size_t& gap)
+// A value runs to white space or a parenthesis, or lies between quotes; what stands ahead of them is lost,
+// and the closing quote ends it as white space would.
+std::string_view Scanner::readValue()
 {
-    start = mAt + 1;
-    mAt = std::min(msText.find('"', start), msText.size());
-    gap = mAt;
+    const std::size_t begin = mAt;
+    mAt = FindClass(msText, mAt, CHAR_SPACE | CHAR_PAREN | CHAR_QUOTE);
+    if (atEnd() || current() != '"') {
+        return textFrom(begin);
+    }
+    const std::size_t quoted = ++mAt;
+    mAt = std::min(msText.find('"', mAt), msText.size());
+    const std::string_view value = TrimEnd(textFrom(quoted));
+    mAt += atEnd() ? 0 : 1;
+    return value;
 }
 
+// A leaf that does not end takes the rest of the text, but not the value that it was at. Of empty values in
+// quotes the last one is no value.
 AMI_Result Scanner::readValues(_tagLeafStruct& leaf)
 {
-    std::size_t start = mAt;
-    std::size_t gap = UNSET;  // first white space behind the token
-    while (!atEnd()) {
+    for (;;) {
+        const std::string_view text = readValue();
+        skipSpace();
+        if (atEnd()) {
+            return AMI_OK;
+        }
         if (current() == '(') {
             return AMI_NESTED_VALUES;
         }
-        if (current() == ')') {
-            const std::string_view token = TrimEnd(msText.substr(start, std::min(gap, mAt) - start));
-            if (!token.empty() && !AMI_AddValue(leaf, token)) {
-                return AMI_NO_MEMORY;
-            }
+        const bool isLast = current() == ')';
+        if ((!isLast || !text.empty()) && !AMI_AddValue(mTree, leaf, text)) {
+            return AMI_NO_MEMORY;
+        }
+        if (isLast) {
             return close() ? AMI_OK : AMI_NOT_OPEN;
         }
-        if (CMN_IsSpace(current())) {
-            gap = std::min(gap, mAt);
-        } else if (gap != UNSET) {
-            if (!AMI_AddValue(leaf, TrimEnd(msText.substr(start, gap - start)))) {
-                return AMI_NO_MEMORY;
-            }
-            start = mAt;
-            gap = UNSET;
-            continue;
-        } else if (current() == '"') {
-            skipQuoted(start, gap);
-        }
-        if (!atEnd()) {
-            ++mAt;
-        }
     }
-    return AMI_OK;
 }
 
 AMI_Result Scanner::next(AMI_NODE& node, bool& found)
 {
     open();
-    Name name;
+    std::string_view name;
     const After after = readName(name);
-    found = after != After::End && after != After::Fault;
+    found = after == After::Branch || after == After::Leaf;
     switch (after) {
     case After::Branch:
         return makeBranch(name, node);
+    case After::Leaf:
+        break;
     case After::Fault:
         return AMI_NOT_OPEN;
     case After::End:
         return AMI_OK;
-    case After::Leaf:
-    case After::Values:
-        break;
     }
     const AMI_Result result = makeLeaf(name, node);
     return result == AMI_OK ? readValues(*static_cast<_tagLeafStruct*>(node.p)) : result;
@@ -371,13 +427,13 @@ AMI_Result Scanner::next(AMI_NODE& node, bool& found)
 
 // The tree ------------------------------------------------------------------------------------------------
 
-// Hangs each node under the last branch that is one level higher; a node with a gap above it is dropped.
-// `stack` has room for the branches from the root down.
-AMI_Result LinkNodes(std::span<const AMI_NODE> nodes, AMI_NODE* stack)
+// Visits each node with the branch that it hangs under, the last one that is one level higher; a node with a
+// gap above it is dropped. `stack` has room for the branches from the root down.
+template <class Visit> AMI_Result ForEachChild(std::span<AMI_NODE> nodes, AMI_NODE* stack, Visit visit)
 {
     std::size_t top = 0;
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        const AMI_NODE& node = nodes[i];
+        AMI_NODE& node = nodes[i];
         if (i == 0 && node.eKind == AMI_BRANCH) {
             stack[0] = node;
             continue;
@@ -395,14 +451,53 @@ AMI_Result LinkNodes(std::span<const AMI_NODE> nodes, AMI_NODE* stack)
         if (stack[top].iLevel + 1 != node.iLevel) {
             continue;
         }
-        if (!AppendChild(*parent, node)) {
-            return AMI_NO_MEMORY;
-        }
+        visit(*parent, node);
         if (node.eKind == AMI_BRANCH) {
             stack[++top] = node;
         }
     }
     return AMI_OK;
+}
+
+// Children that stand side by side among the nodes of the tree, as the leaves of a parameter do, are used
+// there. Other branches need an array: null after the count.
+void CountChild(_tagBranchStruct& parent, AMI_NODE& child)
+{
+    if (parent.iNodeCount == 0) {
+        parent.pNodes = &child;
+    } else if (parent.pNodes != nullptr && parent.pNodes + parent.iNodeCount != &child) {
+        parent.pNodes = nullptr;
+    }
+    ++parent.iNodeCount;
+}
+
+bool MakeChildArrays(_tagTree& tree)
+{
+    for (const AMI_NODE& node : std::span(tree.pNodes, static_cast<std::size_t>(tree.iCount))) {
+        if (node.eKind != AMI_BRANCH) {
+            continue;
+        }
+        auto& branch = *static_cast<_tagBranchStruct*>(node.p);
+        const auto count = static_cast<std::size_t>(std::exchange(branch.iNodeCount, 0));
+        if (count != 0 && branch.pNodes == nullptr && !BLOCK_Take(tree.records, branch.pNodes, count)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+AMI_Result LinkNodes(_tagTree& tree, AMI_NODE* stack)
+{
+    const std::span nodes(tree.pNodes, static_cast<std::size_t>(tree.iCount));
+    if (const AMI_Result result = ForEachChild(nodes, stack, CountChild); result != AMI_OK) {
+        return result;
+    }
+    if (!MakeChildArrays(tree)) {
+        return AMI_NO_MEMORY;
+    }
+    return ForEachChild(nodes, stack, [](_tagBranchStruct& parent, const AMI_NODE& child) {
+        parent.pNodes[parent.iNodeCount++] = child;
+    });
 }
 
 AMI_Result BuildTree(std::string_view text, int opens, _tagTree& tree, int* errorPosition)
@@ -411,20 +506,18 @@ AMI_Result BuildTree(std::string_view text, int opens, _tagTree& tree, int* erro
         return AMI_NO_MEMORY;
     }
     tree.iCount = opens;
-    if (const AMI_Result result = AMI_ParseNodes(text, tree.pNodes, &tree.iCount, errorPosition);
-        result != AMI_OK) {
+    if (const AMI_Result result = AMI_ParseNodes(text, tree, errorPosition); result != AMI_OK) {
         return result;
     }
-    const std::span<const AMI_NODE> nodes(tree.pNodes, static_cast<std::size_t>(tree.iCount));
     std::int32_t deepest = 0;
-    for (const AMI_NODE& node : nodes) {
+    for (const AMI_NODE& node : std::span(tree.pNodes, static_cast<std::size_t>(tree.iCount))) {
         deepest = std::max(deepest, node.iLevel);
     }
     AMI_NODE* stack = nullptr;
     if (!CMN_Alloc(stack, static_cast<std::size_t>(deepest) + 1)) {
         return AMI_NO_MEMORY;
     }
-    const AMI_Result result = LinkNodes(nodes, stack);
+    const AMI_Result result = LinkNodes(tree, stack);
     CMN_Free(stack);
     return result;
 }
@@ -433,29 +526,25 @@ AMI_Result BuildTree(std::string_view text, int opens, _tagTree& tree, int* erro
 
 AMI_Keyword AMI_KeywordOf(std::string_view word)
 {
-    const auto* const row = std::find(KEYWORDS.begin(), KEYWORDS.end(), word);
-    return row == KEYWORDS.end() ? AMI_NO_KEYWORD : static_cast<AMI_Keyword>(row - KEYWORDS.begin());
+    const Word* const known = PLACES.find(word);
+    return known == nullptr ? AMI_NO_KEYWORD : known->eKeyword;
 }
 
 bool AMI_IsInteger(std::string_view text)
 {
-    return IsPlainInteger(text) || IsIntegerWithExponent(text);
+    return NumberKind(text) == AMI_KIND_INTEGER;
 }
 
 AMI_ValueKind AMI_ClassifyValue(std::string_view text)
 {
-    double number = 0.0;
     if (text.empty()) {
         return AMI_KIND_NONE;
     }
     if (text.front() == '"') {
         return text.size() > 1 && text.find('"', 1) == text.size() - 1 ? AMI_KIND_QUOTED : AMI_KIND_NONE;
     }
-    if (AMI_IsInteger(text)) {
-        return AMI_KIND_INTEGER;
-    }
-    if (IsNumber(text, &number)) {
-        return AMI_KIND_REAL;
+    if (const AMI_ValueKind kind = NumberKind(text); kind != AMI_KIND_NONE) {
+        return kind;
     }
     if (text == "True" || text == "False") {
         return AMI_KIND_BOOLEAN;
@@ -463,57 +552,49 @@ AMI_ValueKind AMI_ClassifyValue(std::string_view text)
     return text.find('"') == UNSET ? AMI_KIND_WORD : AMI_KIND_NONE;
 }
 
-bool AMI_AddValue(_tagLeafStruct& leaf, std::string_view text)
+bool AMI_AddValue(_tagTree& tree, _tagLeafStruct& leaf, std::string_view text)
 {
-    if (!Grow(leaf.pValues, leaf.iValueCount)) {
-        return false;
-    }
-    char* const copy = CMN_StrDup(text);
-    if (copy == nullptr) {
-        return false;
-    }
-    const AMI_ValueKind kind = AMI_ClassifyValue(text);
-    leaf.pValues[leaf.iValueCount++] = {copy, kind,
-                                        kind == AMI_KIND_WORD ? AMI_KeywordOf(text) : AMI_NO_KEYWORD};
-    return true;
+    const Word* const word = PLACES.find(text);
+    return AppendValue(tree, leaf, ValueOf(text, word, KeepText(tree, text, word)));
 }
 
 bool AMI_CountParens(std::string_view text, int* opens, int* errorPosition)
 {
     int closes = 0;
-    bool inQuotes = false;
-    bool afterClose = false;
     *opens = 0;
     *errorPosition = AMI_NO_POSITION;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '(' && !inQuotes) {
+    for (std::size_t i = 0; (i = FindClass(text, i, CHAR_PAREN | CHAR_QUOTE)) < text.size(); ++i) {
+        if (text[i] == '(') {
             ++*opens;
-            afterClose = false;
-        } else if (text[i] == ')' && !inQuotes) {
+        } else if (text[i] == '"') {
+            i = std::min(text.find('"', i + 1), text.size() - 1);
+        } else {
             ++closes;
-            afterClose = true;
-        } else if (!CMN_IsSpace(text[i])) {
-            inQuotes ^= text[i] == '"';
-            if (afterClose) {
-                *errorPosition = static_cast<int>(i);
+            std::size_t next = i + 1;
+            while (next < text.size() && CMN_IsSpace(text[next])) {
+                ++next;
+            }
+            if (next < text.size() && text[next] != '(' && text[next] != ')') {
+                *errorPosition = static_cast<int>(next);
                 return false;
             }
+            i = next - 1;
         }
     }
     return *opens == closes;
 }
 
-AMI_Result AMI_ParseNodes(std::string_view text, AMI_NODE* nodes, int* count, int* errorPosition)
+AMI_Result AMI_ParseNodes(std::string_view text, _tagTree& tree, int* errorPosition)
 {
-    Scanner scanner(text);
-    const int capacity = *count;
-    *count = 0;
-    while (*count < capacity) {
+    Scanner scanner(text, tree);
+    const int capacity = tree.iCount;
+    tree.iCount = 0;
+    while (tree.iCount < capacity) {
         AMI_NODE node{};
         bool found = false;
         const AMI_Result result = scanner.next(node, found);
         if (node.p != nullptr) {
-            nodes[(*count)++] = node;
+            tree.pNodes[tree.iCount++] = node;
         }
         if (result == AMI_NESTED_VALUES) {
             *errorPosition = scanner.position();
@@ -559,7 +640,8 @@ void AMI_FreeTree(_tagTree** tree)
         return;
     }
     gBranches.reset();
-    FreeNodes({(*tree)->pNodes, static_cast<std::size_t>((*tree)->iCount)});
+    BLOCK_Free((*tree)->records);
+    BLOCK_Free((*tree)->texts);
     CMN_Release((*tree)->pNodes);
     CMN_FreeAndClear(*tree);
 }

@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "ibis/source/nuibis_cmn.h"
+#include "ibis/source/nuibis_block.h"
 
 /// Kinds of values, by their text.
 enum AMI_ValueKind : std::int32_t {
@@ -73,6 +73,9 @@ enum AMI_LeafType : std::int32_t {
     AMI_LEAF_LIST_TIP = 9,
 };
 
+/// How many words have a meaning of their own: those with a code, and the names of leaves.
+inline constexpr std::size_t AMI_WORD_COUNT = 28;
+
 enum AMI_NodeKind : std::uint32_t {
     AMI_BRANCH = 0,
     AMI_LEAF = 1,
@@ -93,7 +96,8 @@ struct AMI_NODE {
 
 struct _tagBranchStruct {
     char* pszName;
-    AMI_NODE* pNodes;  ///< children, in text order
+    AMI_NODE*
+        pNodes;  ///< children, in text order; within the tree's nodes where they stand there side by side
     std::int32_t iNodeCount;
 };
 
@@ -104,10 +108,13 @@ struct _tagLeafStruct {
     AMI_LeafType eLeafType;
 };
 
-/// Owns its nodes.
+/// Owns its nodes and all that they refer to.
 struct _tagTree {
     AMI_NODE* pNodes;     ///< all nodes of the file, in text order; the first is the root
     std::int32_t iCount;  ///< nodes in use
+    BLOCK_Room records;   ///< branches, leaves, their values and children
+    BLOCK_Room texts;     ///< names and values, each kept once for a word with a meaning of its own
+    std::array<char*, AMI_WORD_COUNT> aWords;  ///< those words, as far as they occurred
 };
 
 /// How a parse ended.
@@ -128,14 +135,15 @@ inline constexpr int AMI_NO_POSITION = -1;
 /// Builds the tree of a text in time proportional to it, whatever it holds. The position of a fault counts
 /// from the first "(" of the text.
 AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosition);
-/// The flat pass alone: fills `nodes`, room for `*count` of them, and tells how many there are. `text` begins
-/// at the first "(". The nodes are the caller's also when the pass fails.
-AMI_Result AMI_ParseNodes(std::string_view text, AMI_NODE* nodes, int* count, int* errorPosition);
+/// The flat pass alone: fills the nodes of a tree, room for `iCount` of them, and tells how many there are.
+/// `text` begins at the first "(".
+AMI_Result AMI_ParseNodes(std::string_view text, _tagTree& tree, int* errorPosition);
 /// The check of the parentheses alone. Gives the number of "(", those within quotes left out; false with the
 /// position of a token right behind a ")", or with no position if the parentheses are unbalanced.
 bool AMI_CountParens(std::string_view text, int* opens, int* errorPosition);
-/// Appends a value to a leaf; false when memory is out.
-bool AMI_AddValue(_tagLeafStruct& leaf, std::string_view text);
+/// Appends a value to a leaf of a tree; false when memory is out. Values are added leaf by leaf: one that is
+/// not the last takes new room for all that it has.
+bool AMI_AddValue(_tagTree& tree, _tagLeafStruct& leaf, std::string_view text);
 /// Kind of a text that still has its quotes, if any.
 AMI_ValueKind AMI_ClassifyValue(std::string_view text);
 /// Whether a text is a whole number.
