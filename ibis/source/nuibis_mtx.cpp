@@ -7,13 +7,15 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <optional>
 
 namespace
 {
 
 // Module state, reset by MTX_Init.
 MTX* gpMtx = nullptr;  // matrix being read
-// How many rows a matrix has of each name.
+// How many rows a matrix has of each name. One whose rows keep to the order of the pins, as nearly all do,
+// needs no lookup: their names differ.
 CMN_Map<std::pair<const MTX*, std::string_view>, unsigned> gRowNames;
 
 // Smallest normal number of single precision: files are often written in it, and what is below is rounding.
@@ -91,6 +93,49 @@ std::uint64_t PlaceInRow(const MTX& matrix, std::uint64_t n, std::uint64_t i, st
 
 // End checks ----------------------------------------------------------------------------------------------
 
+// Visits what row i stores beside the diagonal, with its columns.
+template <class Visit> void ForEachCoupling(const MTX& matrix, unsigned i, Visit visit)
+{
+    const ROW& row = *matrix.ppRows[i];
+    const std::uint64_t n = matrix.uiRowsRead;
+    for (unsigned k = 0; k < row.uiGiven; ++k) {
+        std::uint64_t column = row.puiColumns != nullptr ? row.puiColumns[k] : std::uint64_t{i} + k;
+        if (matrix.eMatrixType == MTX_BANDED_WRAP) {
+            column %= n;
+        }
+        if (column < n && column != i) {
+            visit(static_cast<unsigned>(column), row.pdValues[k]);
+        }
+    }
+}
+
+// What the couplings of a pin come to at most, and whether one of them is above 0.
+struct Extent {
+    double dSum;
+    double dLargest;
+    bool bPositive;
+
+    void add(double coupling)
+    {
+        dSum += std::fabs(coupling);
+        dLargest = std::fabs(coupling) > dLargest ? std::fabs(coupling) : dLargest;
+        bPositive = bPositive || coupling > 0.0;
+    }
+};
+
+// Of each pin, in one pass over the numbers: in a good file nothing more has to be looked at.
+CMN_Vector<Extent> ExtentsOf(const MTX& matrix)
+{
+    CMN_Vector<Extent> extents(matrix.uiRowsRead);
+    for (unsigned i = 0; i < matrix.uiRowsRead; ++i) {
+        ForEachCoupling(matrix, i, [&](unsigned column, double coupling) {
+            extents[i].add(coupling);
+            extents[column].add(coupling);
+        });
+    }
+    return extents;
+}
+
 // The elements of each row that may be stored at all: a check of the numbers looks at these only, so that it
 // takes the time that the numbers took to read, however large the matrix says that it is.
 class Neighbours
@@ -112,7 +157,7 @@ class Neighbours
     {
         mColumns.assign(mRows.begin() + static_cast<std::ptrdiff_t>(mStart[i]),
                         mRows.begin() + static_cast<std::ptrdiff_t>(mStart[i + std::size_t{1}]));
-        forEachColumn(i, [this](unsigned column) { mColumns.push_back(column); });
+        ForEachCoupling(mMatrix, i, [this](unsigned column, double) { mColumns.push_back(column); });
         if (!std::is_sorted(mColumns.begin(), mColumns.end())) {
             std::sort(mColumns.begin(), mColumns.end());
         }
@@ -121,24 +166,10 @@ class Neighbours
     }
 
   private:
-    template <class Visit> void forEachColumn(unsigned i, Visit visit) const
-    {
-        const ROW& row = *mMatrix.ppRows[i];
-        const std::uint64_t n = mMatrix.uiRowsRead;
-        for (unsigned k = 0; k < row.uiGiven; ++k) {
-            std::uint64_t column = row.puiColumns != nullptr ? row.puiColumns[k] : std::uint64_t{i} + k;
-            if (mMatrix.eMatrixType == MTX_BANDED_WRAP) {
-                column %= n;
-            }
-            if (column < n && column != i) {
-                visit(static_cast<unsigned>(column));
-            }
-        }
-    }
     template <class Visit> void forEachEntry(Visit visit) const
     {
         for (unsigned i = 0; i < mMatrix.uiRowsRead; ++i) {
-            forEachColumn(i, [&](unsigned column) { visit(i, column); });
+            ForEachCoupling(mMatrix, i, [&](unsigned column, double) { visit(i, column); });
         }
     }
 
@@ -149,67 +180,95 @@ class Neighbours
     CMN_Vector<unsigned> mColumns;
 };
 
-struct Dominance {
-    std::string_view sName;
-    const MTX& matrix;
-    const char* pszPackage;
-
-    double element(unsigned i, unsigned j) const { return MTX_GetElement(matrix.uiRowsRead, i, j, &matrix); }
-
-    // Coupling is weaker than a pin's own resistance or inductance.
-    void checkCoupling(unsigned i, unsigned j, double diagonal) const
+class Dominance
+{
+  public:
+    Dominance(std::string_view name, const MTX& matrix, const char* package)
+        : msName(name), mMatrix(matrix), mpszPackage(package)
     {
-        const double coupling = i == j ? 0.0 : element(i, j);
-        if (std::fabs(coupling) > diagonal) {
-            MSG_Warning(3720, pszPackage, sName, diagonal, PKGMDL_GetPinName(i), coupling,
-                        PKGMDL_GetPinName(j));
+    }
+
+    void check()
+    {
+        const CMN_Vector<Extent> extents = ExtentsOf(mMatrix);
+        for (unsigned i = 0; i < mMatrix.uiRowsRead; ++i) {
+            checkRow(i, extents[i]);
         }
     }
 
-    // A capacitance matrix of the Maxwell form: off the diagonal nothing is positive, and the diagonal covers
-    // the sum of its row.
-    void checkCapacitance(unsigned i, double diagonal, Neighbours& neighbours) const
+  private:
+    double element(unsigned i, unsigned j) const
     {
-        double sum = 0.0;
-        for (const unsigned j : neighbours.of(i)) {
-            const double coupling = element(i, j);
-            sum += std::fabs(coupling);
-            if (j > i && coupling > EPSILON) {
-                MSG_Error(3722, pszPackage, sName, coupling, PKGMDL_GetPinName(i), PKGMDL_GetPinName(j));
-            }
-        }
-        if (std::fabs(diagonal - sum) > EPSILON && sum > diagonal && sum - diagonal > diagonal * 0.0001) {
-            MSG_Error(3721, pszPackage, sName, diagonal, PKGMDL_GetPinName(i), sum);
-        }
+        return MTX_GetElement(mMatrix.uiRowsRead, i, j, &mMatrix);
     }
+    const auto& neighboursOf(unsigned i)
+    {
+        if (!mNeighbours) {
+            mNeighbours.emplace(mMatrix);
+        }
+        return mNeighbours->of(i);
+    }
+    void checkRow(unsigned i, const Extent& extent);
+    void checkCoupling(unsigned i, unsigned j, double diagonal) const;
+    void checkCapacitance(unsigned i, double diagonal);
 
-    void checkRow(unsigned i, Neighbours& neighbours) const
-    {
-        const double diagonal = element(i, i);
-        if (diagonal < 0.0 && std::fabs(diagonal) > EPSILON) {
-            MSG_Error(3719, pszPackage, sName, diagonal, PKGMDL_GetPinName(i));
-        } else if (sName == "Capacitance") {
-            checkCapacitance(i, diagonal, neighbours);
-        } else if (diagonal < 0.0) {
-            // Below 0 by rounding: even the absent elements are above it, and each is told.
-            for (unsigned j = 0; j < matrix.uiRowsRead; ++j) {
-                checkCoupling(i, j, diagonal);
-            }
-        } else {
-            for (const unsigned j : neighbours.of(i)) {
-                checkCoupling(i, j, diagonal);
-            }
-        }
-    }
+    std::string_view msName;
+    const MTX& mMatrix;
+    const char* mpszPackage;
+    std::optional<Neighbours> mNeighbours;
 };
+
+// Coupling is weaker than a pin's own resistance or inductance.
+void Dominance::checkCoupling(unsigned i, unsigned j, double diagonal) const
+{
+    const double coupling = i == j ? 0.0 : element(i, j);
+    if (std::fabs(coupling) > diagonal) {
+        MSG_Warning(3720, mpszPackage, msName, diagonal, PKGMDL_GetPinName(i), coupling,
+                    PKGMDL_GetPinName(j));
+    }
+}
+
+// A capacitance matrix of the Maxwell form: off the diagonal nothing is positive, and the diagonal covers the
+// sum of its row.
+void Dominance::checkCapacitance(unsigned i, double diagonal)
+{
+    double sum = 0.0;
+    for (const unsigned j : neighboursOf(i)) {
+        const double coupling = element(i, j);
+        sum += std::fabs(coupling);
+        if (j > i && coupling > EPSILON) {
+            MSG_Error(3722, mpszPackage, msName, coupling, PKGMDL_GetPinName(i), PKGMDL_GetPinName(j));
+        }
+    }
+    if (std::fabs(diagonal - sum) > EPSILON && sum > diagonal && sum - diagonal > diagonal * 0.0001) {
+        MSG_Error(3721, mpszPackage, msName, diagonal, PKGMDL_GetPinName(i), sum);
+    }
+}
+
+void Dominance::checkRow(unsigned i, const Extent& extent)
+{
+    const double diagonal = element(i, i);
+    if (diagonal < 0.0 && std::fabs(diagonal) > EPSILON) {
+        MSG_Error(3719, mpszPackage, msName, diagonal, PKGMDL_GetPinName(i));
+    } else if (msName == "Capacitance") {
+        if (extent.bPositive || !(extent.dSum <= diagonal)) {
+            checkCapacitance(i, diagonal);
+        }
+    } else if (diagonal < 0.0) {
+        // Below 0 by rounding: even the absent elements are above it, and each is told.
+        for (unsigned j = 0; j < mMatrix.uiRowsRead; ++j) {
+            checkCoupling(i, j, diagonal);
+        }
+    } else if (extent.dLargest > diagonal) {
+        for (const unsigned j : neighboursOf(i)) {
+            checkCoupling(i, j, diagonal);
+        }
+    }
+}
 
 void CheckDominance(std::string_view name, const MTX& matrix, const char* package)
 try {
-    Neighbours neighbours(matrix);
-    const Dominance check{name, matrix, package};
-    for (unsigned i = 0; i < matrix.uiRowsRead; ++i) {
-        check.checkRow(i, neighbours);
-    }
+    Dominance(name, matrix, package).check();
 } catch (const std::bad_alloc&) {
     // Told by the allocation itself; the rest of the check falls away.
 }
@@ -325,7 +384,8 @@ void MTX_Free(MTX* matrix)
 {
     if (matrix != nullptr) {
         MTX_Init();
-        ROW_FreeList(matrix->pRows);
+        BLOCK_Free(matrix->values);
+        BLOCK_Free(matrix->columns);
         CMN_Release(matrix->ppRows);
         CMN_Release(matrix->puiFilled);
         CMN_Free(matrix);
@@ -392,10 +452,25 @@ int MTX_SetBandedWrap(unsigned columnCount)
     return ROW_WidenAll(gpMtx->pRows, columnCount);
 }
 
-unsigned MTX_CountRows(const MTX& matrix, std::string_view pin)
+unsigned MTX_CountRows(MTX& matrix, std::string_view pin, unsigned index)
 {
+    if (!matrix.bRowsNamed && index == matrix.uiRowsRead + 1) {
+        return 0;
+    }
+    MTX_NameRows(&matrix);
     const auto name = gRowNames.find({&matrix, pin});
     return name == gRowNames.end() ? 0 : name->second;
+}
+
+void MTX_NameRows(MTX* matrix)
+{
+    if (matrix == nullptr || matrix->bRowsNamed) {
+        return;
+    }
+    for (const ROW* row = matrix->pRows; row != nullptr; row = row->pNext) {
+        gRowNames[{matrix, row->szPin}] = 1;
+    }
+    matrix->bRowsNamed = true;
 }
 
 int MTX_Append(MTX& matrix, ROW* row)
@@ -403,7 +478,9 @@ try {
     if (!CMN_GrowPointers(matrix.ppRows, matrix.uiRowsRead)) {
         return 0;
     }
-    ++gRowNames[{&matrix, row->szPin}];
+    if (matrix.bRowsNamed) {
+        ++gRowNames[{&matrix, row->szPin}];
+    }
     (matrix.uiRowsRead == 0 ? matrix.pRows : MTX_LastRow(matrix)->pNext) = row;
     matrix.ppRows[matrix.uiRowsRead++] = row;
     return 1;

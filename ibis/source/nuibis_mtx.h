@@ -26,6 +26,9 @@ struct MTX {
     unsigned uiRowsRead;   ///< number of rows
     unsigned* puiFilled;   ///< sparse: for each column the position, from 1, of the row that filled it last
     unsigned uiFilledRoom;
+    BLOCK_Room values;   ///< rows and their values
+    BLOCK_Room columns;  ///< sparse: the columns of the values
+    bool bRowsNamed;     ///< rows are counted by name; false as long as each is that of the pin at its place
 };
 
 /// Forgets the matrix being read, without its checks: a new package model begins.
@@ -56,8 +59,11 @@ int MTX_IsBandedWrap();
 int MTX_SetBandedWrap(unsigned columnCount);
 
 // Rows of any matrix, for the row module.
-/// How many rows of this name the matrix has.
-unsigned MTX_CountRows(const MTX& matrix, std::string_view pin);
+/// How many rows of this name the matrix has. `index` is the place, from 1, of that pin in the package, or 0.
+unsigned MTX_CountRows(MTX& matrix, std::string_view pin, unsigned index);
+/// The pins are about to change: from here on the names of the rows count, whatever their order. Null is
+/// fine.
+void MTX_NameRows(MTX* matrix);
 /// 0 when memory is out.
 int MTX_Append(MTX& matrix, ROW* row);
 ROW* MTX_LastRow(const MTX& matrix);

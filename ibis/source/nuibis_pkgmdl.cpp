@@ -6,6 +6,7 @@
 #include "ibis/source/nuibis_list.h"
 #include "ibis/source/nuibis_mpins.h"
 #include "ibis/source/nuibis_mtx.h"
+#include "ibis/source/nuibis_names.h"
 #include "ibis/source/nuibis_parse.h"
 #include "ibis/source/nuibis_sect.h"
 #include "platform/hostpath.h"
@@ -27,14 +28,14 @@ bool gbPinNumbersSeen = false;
 bool gbModelDataSeen = false;
 bool gbEndModelDataSeen = false;
 bool gbEndPackageModelSeen = false;
-bool gbSectionsSeen = false;                    // [Number Of Sections]: pin lines carry paths
-nuibis_keyword geLastKeyword = NOT_KEY;         // data lines belong to it
-nuibis_keyword gePrevKeyword = NOT_KEY;         // the one before, for [Bandwidth]
-nuibis_keyword geCurMatrixKeyword = NOT_KEY;    // owner of [Row] lines
-unsigned guiPinIndex = 0;                       // pins stored so far
-bool gbPinStarted = false;                      // the path being read has a pin
-FORK_Chain<PKGSECTNODE> gChain;                 // end of that path
-CMN_Map<std::string_view, unsigned> gPinIndex;  // first index, from 1, of each pin name
+bool gbSectionsSeen = false;                  // [Number Of Sections]: pin lines carry paths
+nuibis_keyword geLastKeyword = NOT_KEY;       // data lines belong to it
+nuibis_keyword gePrevKeyword = NOT_KEY;       // the one before, for [Bandwidth]
+nuibis_keyword geCurMatrixKeyword = NOT_KEY;  // owner of [Row] lines
+unsigned guiPinIndex = 0;                     // pins stored so far
+bool gbPinStarted = false;                    // the path being read has a pin
+FORK_Chain<PKGSECTNODE> gChain;               // end of that path
+NAMES_Places gPinIndex;                       // first index, from 1, of each pin name
 
 // Follows the list that was last looked into.
 LIST_Index<PKGMDL, &PKGMDL::szName> gPackages;
@@ -207,12 +208,10 @@ void FreePath(PKGSECTNODE*& path)
 
 void FreePins(PKGMDL& package)
 {
-    for (std::size_t i = 0; package.ppszPinNames != nullptr && package.ppszPinNames[i] != nullptr; ++i) {
-        CMN_Free(package.ppszPinNames[i]);
-        if (package.ppSections != nullptr) {
-            FreePath(package.ppSections[i]);
-        }
+    for (std::size_t i = 0; package.ppSections != nullptr && package.ppszPinNames[i] != nullptr; ++i) {
+        FreePath(package.ppSections[i]);
     }
+    BLOCK_Free(package.pinNames);
     CMN_Release(package.ppszPinNames);
     CMN_Release(package.ppSections);
 }
@@ -244,14 +243,13 @@ bool AddPin(std::string_view name, bool sections)
     if (!MakeRoomForPin(sections)) {
         return false;
     }
-    char* pin = nullptr;
-    if (!CMN_Alloc(pin, PIN_LIMIT + 1)) {
+    char* const pin = BLOCK_CopyText(gpCurPkgMdl->pinNames, name);
+    if (pin == nullptr) {
         MSG_ErrorLine(3436);
         return false;
     }
-    CMN_CopyText({pin, PIN_LIMIT + 1}, name);
     gpCurPkgMdl->ppszPinNames[guiPinIndex++] = pin;
-    if (!gPinIndex.try_emplace(pin, guiPinIndex).second) {
+    if (!gPinIndex.add(pin, guiPinIndex)) {
         MSG_ErrorLine(3437, pin);
     }
     return true;
@@ -322,6 +320,9 @@ void CloseFork()
 void DropPlainPins()
 {
     if (gpCurPkgMdl->ppszPinNames != nullptr && gpCurPkgMdl->ppSections == nullptr) {
+        for (const Matrix& matrix : MATRICES) {
+            MTX_NameRows(gpCurPkgMdl->*matrix.ppField);
+        }
         gPinIndex.clear();
         guiPinIndex = 0;
         FreePins(*gpCurPkgMdl);
@@ -675,10 +676,7 @@ int PKGMDL_FindPinIndex(std::string_view pin, unsigned* index)
     if (gpCurPkgMdl == nullptr) {
         return 0;
     }
-    const auto found = gPinIndex.find(pin);
-    if (found != gPinIndex.end()) {
-        *index = found->second;
-    }
+    *index = gPinIndex.find(pin);
     return *index != 0 ? 1 : 0;
 }
 

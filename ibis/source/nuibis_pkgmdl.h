@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "ibis/source/nuibis_cmn.h"
+#include "ibis/source/nuibis_block.h"
 #include "ibis/source/nuibis_keyword.h"
 
 struct MPIN;
@@ -36,6 +36,7 @@ struct PKGMDL {
     MTX* pResistance;          ///< Ohm
     MTX* pInductance;          ///< H
     MTX* pCapacitance;         ///< F
+    BLOCK_Room pinNames;       ///< memory of the names
 };
 
 void PKGMDL_Init();

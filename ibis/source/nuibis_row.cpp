@@ -10,26 +10,21 @@ namespace
 {
 
 constexpr unsigned PIN_LIMIT = 5;
-constexpr unsigned FIRST_ROOM = 8;
 
-// Room for one value more, never for more than the row is wide.
-bool MakeRoom(ROW& row, bool sparse)
+// Room for one value more.
+bool MakeRoom(MTX& matrix, ROW& row, bool sparse)
 {
-    if (row.uiGiven < row.uiCapacity) {
-        return true;
-    }
-    const unsigned capacity = std::min(std::max(FIRST_ROOM, 2 * row.uiCapacity), row.uiColumnCount);
-    if (!CMN_Realloc(row.pdValues, capacity) || (sparse && !CMN_Realloc(row.puiColumns, capacity))) {
+    if (!BLOCK_Grow(matrix.values, row.pdValues, row.uiGiven) ||
+        (sparse && !BLOCK_Grow(matrix.columns, row.puiColumns, row.uiGiven))) {
         MSG_ErrorLine(3106);
         return false;
     }
-    row.uiCapacity = capacity;
     return true;
 }
 
-bool Append(ROW& row, double value)
+bool Append(MTX& matrix, ROW& row, double value)
 {
-    if (!MakeRoom(row, false)) {
+    if (!MakeRoom(matrix, row, false)) {
         return false;
     }
     row.pdValues[row.uiGiven++] = value;
@@ -97,7 +92,7 @@ unsigned FindColumn(const MTX& matrix, const ROW& row, std::string_view pin)
 
 void StoreSparse(MTX& matrix, ROW& row, unsigned column, double value)
 {
-    if (!MTX_NoteFilled(matrix, column) || !MakeRoom(row, true)) {
+    if (!MTX_NoteFilled(matrix, column) || !MakeRoom(matrix, row, true)) {
         return;
     }
     row.bUnordered |= row.uiGiven != 0 && row.puiColumns[row.uiGiven - 1] > column - 1;
@@ -105,7 +100,7 @@ void StoreSparse(MTX& matrix, ROW& row, unsigned column, double value)
     row.puiColumns[row.uiGiven++] = column - 1;
 }
 
-ROW* NewRow(unsigned columnCount, std::string_view pin)
+ROW* NewRow(MTX& matrix, unsigned columnCount, std::string_view pin)
 {
     if (pin.empty()) {
         MSG_ErrorLine(3120);
@@ -116,7 +111,7 @@ ROW* NewRow(unsigned columnCount, std::string_view pin)
         return nullptr;
     }
     ROW* row = nullptr;
-    if (!CMN_Alloc(row)) {
+    if (!BLOCK_Take(matrix.values, row)) {
         MSG_ErrorLine(3119);
         return nullptr;
     }
@@ -133,7 +128,7 @@ ROW* NewRow(unsigned columnCount, std::string_view pin)
 
 int ROW_Add(MTX* matrix, unsigned columnCount, std::string_view pin)
 {
-    ROW* const row = NewRow(columnCount, pin);
+    ROW* const row = NewRow(*matrix, columnCount, pin);
     if (row == nullptr) {
         return 0;
     }
@@ -141,12 +136,11 @@ int ROW_Add(MTX* matrix, unsigned columnCount, std::string_view pin)
     if (!PKGMDL_FindPinIndex(row->szPin, &index)) {
         MSG_ErrorLine(3100, row->szPin);
     }
-    for (unsigned repeats = MTX_CountRows(*matrix, row->szPin); repeats > 0; --repeats) {
+    for (unsigned repeats = MTX_CountRows(*matrix, row->szPin, index); repeats > 0; --repeats) {
         MSG_ErrorLine(3101, row->szPin);
     }
     if (!MTX_Append(*matrix, row)) {
         MSG_ErrorLine(3119);
-        ROW_FreeList(row);
         return 0;
     }
     if (index != 0 && index != matrix->uiRowsRead) {
@@ -167,7 +161,7 @@ void ROW_AddFullData(MTX* matrix, std::string_view line)
             MSG_ErrorLine(3105);
             return;
         }
-        if (!Append(row, value)) {
+        if (!Append(*matrix, row, value)) {
             return;
         }
     }
@@ -179,7 +173,7 @@ void ROW_AddBandedData(MTX* matrix, std::string_view line)
     for (std::string_view token = CMN_NextToken(line); !token.empty(); token = CMN_NextToken(line)) {
         double value = 0.0;
         if (!ReadNumber(token, &value) || (row.uiGiven == row.uiColumnCount && !WrapBand(*matrix, row)) ||
-            !Append(row, value)) {
+            !Append(*matrix, row, value)) {
             return;
         }
     }
@@ -272,12 +266,4 @@ int ROW_WidenAll(ROW* list, unsigned columnCount)
         list->uiColumnCount = columnCount;
     }
     return 1;
-}
-
-void ROW_FreeList(ROW* list)
-{
-    CMN_FreeList(list, [](ROW& row) {
-        CMN_Release(row.pdValues);
-        CMN_Release(row.puiColumns);
-    });
 }

@@ -2,12 +2,12 @@
 
 #pragma once
 
-#include "ibis/source/nuibis_cmn.h"
+#include "ibis/source/nuibis_block.h"
 
 struct MTX;
 
-/// One row. Its values are packed: a row takes memory for the values that were given, however wide the file
-/// says that it is. ROW_Column tells "not given" apart from 0.0.
+/// One row, in the memory of its matrix. Its values are packed: a row takes memory for the values that were
+/// given, however wide the file says that it is. ROW_Column tells "not given" apart from 0.0.
 struct ROW {
     ROW* pNext;
     char szPin[6];           ///< pin name of the [Row] keyword
@@ -16,7 +16,6 @@ struct ROW {
     double* pdValues;        ///< values given, in the matrix's unit (Ohm, H, F)
     unsigned* puiColumns;    ///< column of each value in a sparse row; null elsewhere: value k is column k
     unsigned uiGiven;        ///< number of values given
-    unsigned uiCapacity;     ///< room in the arrays
     bool bUnordered;         ///< sparse: the columns do not ascend yet
 };
 
@@ -37,4 +36,3 @@ void ROW_Sort(ROW* row);
 void ROW_CheckColumnCount(const ROW* list, bool strict);
 /// Makes every row `columnCount` columns wide. 1, or BUG 3109 and 0 at a row that is wider.
 int ROW_WidenAll(ROW* list, unsigned columnCount);
-void ROW_FreeList(ROW* list);
