@@ -28,8 +28,28 @@ bool DeclaresVersion()
 
 // A branch of parameters, a parameter, or a group of them, and what its leaves have told so far.
 struct Branch {
+    // The leaves of one kind; nearly always there is one.
+    struct Leaves {
+        const _tagLeafStruct* pFirst;
+        int iCount;
+    };
+
+    Branch(const _tagBranchStruct& record, bool top) : branch(record), bTop(top)
+    {
+        for (const AMI_NODE& node : AMI_Children(record)) {
+            if (const _tagLeafStruct* leaf = AMI_AsLeaf(node); leaf != nullptr) {
+                Leaves& leaves = aLeaves[static_cast<std::size_t>(leaf->eLeafType)];
+                leaves = {leaves.iCount == 0 ? leaf : leaves.pFirst, leaves.iCount + 1};
+            } else {
+                bBranches = true;
+            }
+        }
+    }
+
     const _tagBranchStruct& branch;
-    bool bTop;  // Reserved_Parameters or Model_Specific itself
+    bool bTop;                                            // Reserved_Parameters or Model_Specific itself
+    bool bBranches = false;                               // it has branches
+    std::array<Leaves, AMI_LEAF_LIST_TIP + 1> aLeaves{};  // by their type
     const char* pszName = branch.pszName;
     bool bType = false;  // a leaf of that kind stands there, good or bad
     bool bFormat = false;
@@ -42,30 +62,43 @@ struct Branch {
     bool isParameter() const { return bType || bFormat || bDefault || bUsage; }
 };
 
+template <class Visit> void VisitLeaves(const Branch& b, AMI_LeafType kind, Visit visit)
+{
+    const Branch::Leaves& leaves = b.aLeaves[static_cast<std::size_t>(kind)];
+    if (leaves.iCount == 1) {
+        visit(*leaves.pFirst);
+    } else if (leaves.iCount > 1) {
+        for (const AMI_NODE& node : AMI_Children(b.branch)) {
+            if (const _tagLeafStruct* leaf = AMI_AsLeaf(node); leaf != nullptr && leaf->eLeafType == kind) {
+                visit(*leaf);
+            }
+        }
+    }
+}
+
 // The leaves of one kind, with what all kinds have in common: values, and no second one. `word` is the leaf's
 // name for messages. True if there is one.
 template <class Check> bool ForLeaves(const Branch& b, AMI_LeafType kind, const char* word, Check check)
 {
     int count = 0;
-    for (const AMI_NODE& node : AMI_Children(b.branch)) {
-        const _tagLeafStruct* const leaf = AMI_AsLeaf(node);
-        if (leaf == nullptr || leaf->eLeafType != kind) {
-            continue;
-        }
-        if (leaf->iValueCount == 0) {
+    VisitLeaves(b, kind, [&](const _tagLeafStruct& leaf) {
+        if (leaf.iValueCount == 0) {
             MSG_Error(4626, word, b.pszName);
         } else {
-            check(*leaf);
+            check(leaf);
         }
         if (++count == 2) {
             MSG_Error(4640, b.pszName, word);
         }
-    }
+    });
     return count != 0;
 }
 
 void CheckNames(const Branch& b)
 {
+    if (!b.bBranches) {
+        return;
+    }
     CMN_Vector<std::string_view> names;
     for (const AMI_NODE& node : AMI_Children(b.branch)) {
         if (const _tagBranchStruct* child = AMI_AsBranch(node); child != nullptr) {
@@ -103,10 +136,7 @@ void CheckType(Branch& b, const _tagLeafStruct& leaf)
 void CheckTypes(Branch& b)
 {
     b.bType = ForLeaves(b, AMI_LEAF_TYPE, "Type", [&](const _tagLeafStruct& leaf) { CheckType(b, leaf); });
-    for (const AMI_NODE& node : AMI_Children(b.branch)) {
-        const _tagLeafStruct* const leaf = AMI_AsLeaf(node);
-        b.pTypes = leaf != nullptr && leaf->eLeafType == AMI_LEAF_TYPE ? leaf : b.pTypes;
-    }
+    VisitLeaves(b, AMI_LEAF_TYPE, [&](const _tagLeafStruct& leaf) { b.pTypes = &leaf; });
 }
 
 // A branch that holds the table of a parameter.
@@ -120,20 +150,29 @@ bool IsTable(const Branch& b, const _tagBranchStruct& child)
 void CheckFormats(Branch& b)
 {
     int count = 0;
-    for (const AMI_NODE& node : AMI_Children(b.branch)) {
-        const _tagLeafStruct* const leaf = AMI_AsLeaf(node);
-        const _tagBranchStruct* const branch = AMI_AsBranch(node);
-        if (leaf != nullptr && leaf->eLeafType == AMI_LEAF_FORMAT) {
-            AMI_CheckFormat(*leaf, b.eType, b.pszName);
-            b.pFormat = leaf;
-        } else if (branch != nullptr && IsTable(b, *branch)) {
-            AMI_CheckTable(*branch, b.pTypes, b.pszName);
-            b.pFormat = nullptr;
-        } else {
-            continue;
-        }
+    const auto countFormat = [&] {
         if (++count == 2) {
             MSG_Error(4640, b.pszName, "Format");
+        }
+    };
+    const auto checkLeaf = [&](const _tagLeafStruct& leaf) {
+        AMI_CheckFormat(leaf, b.eType, b.pszName);
+        b.pFormat = &leaf;
+        countFormat();
+    };
+    if (!b.bBranches) {
+        VisitLeaves(b, AMI_LEAF_FORMAT, checkLeaf);
+    } else {
+        for (const AMI_NODE& node : AMI_Children(b.branch)) {
+            const _tagLeafStruct* const leaf = AMI_AsLeaf(node);
+            const _tagBranchStruct* const branch = AMI_AsBranch(node);
+            if (leaf != nullptr && leaf->eLeafType == AMI_LEAF_FORMAT) {
+                checkLeaf(*leaf);
+            } else if (branch != nullptr && IsTable(b, *branch)) {
+                AMI_CheckTable(*branch, b.pTypes, b.pszName);
+                b.pFormat = nullptr;
+                countFormat();
+            }
         }
     }
     b.bFormat = count != 0;
@@ -164,6 +203,9 @@ using BranchStack = CMN_Vector<const _tagBranchStruct*>;
 // `pending` with the first of them on top.
 void CheckOthers(const Branch& b, BranchStack& pending)
 {
+    if (!b.bBranches) {
+        return;
+    }
     const std::size_t base = pending.size();
     for (const AMI_NODE& node : AMI_Children(b.branch)) {
         const _tagBranchStruct* const child = AMI_AsBranch(node);

@@ -26,8 +26,10 @@ void BLOCK_Free(BLOCK_Room& room);
 template <class T> int BLOCK_Grow(BLOCK_Room& room, T*& array, std::size_t used, std::size_t more = 1)
 {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
-    if (array != nullptr && reinterpret_cast<char*>(array + used) == room.pFree &&
-        static_cast<std::size_t>(room.pEnd - room.pFree) >= more * sizeof(T)) {
+    char* const end = array == nullptr ? room.pFree : reinterpret_cast<char*>(array + used);
+    if (end == room.pFree && static_cast<std::size_t>(room.pEnd - end) >= more * sizeof(T) &&
+        reinterpret_cast<std::uintptr_t>(end) % alignof(T) == 0) {
+        array = array == nullptr ? reinterpret_cast<T*>(end) : array;
         room.pFree += more * sizeof(T);
         return 1;
     }

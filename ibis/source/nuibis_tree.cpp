@@ -6,7 +6,7 @@
 #include <array>
 #include <charconv>
 #include <climits>
-#include <utility>
+#include <limits>
 
 namespace
 {
@@ -139,13 +139,16 @@ bool MayBeNumber(std::string_view text)
 // As strtol with base 10 takes the whole of it: white space ahead and a sign are allowed.
 bool IsPlainInteger(std::string_view text)
 {
+    constexpr std::size_t anyDigits = std::numeric_limits<long>::digits10;
     CMN_SkipSpace(text);
-    if (text.size() > 1 && text.front() == '+' && CMN_IsDigit(text[1])) {
-        text.remove_prefix(1);
+    const std::string_view digits = text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+    if (digits.empty() || !std::all_of(digits.begin(), digits.end(), CMN_IsDigit)) {
+        return false;
     }
+    text.remove_prefix(text.front() == '+' ? 1 : 0);
     long value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+    return digits.size() <= anyDigits ||
+           std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc();
 }
 
 // "1e3" is a whole number, "1e-3" and "1.0e3" are none.
@@ -427,99 +430,115 @@ AMI_Result Scanner::next(AMI_NODE& node, bool& found)
 
 // The tree ------------------------------------------------------------------------------------------------
 
-// Visits each node with the branch that it hangs under, the last one that is one level higher; a node with a
-// gap above it is dropped. `stack` has room for the branches from the root down.
-template <class Visit> AMI_Result ForEachChild(std::span<AMI_NODE> nodes, AMI_NODE* stack, Visit visit)
+// Hangs each node, in text order, under the last branch that is one level higher; a node with a gap above it
+// is dropped. What a branch holds is known when it ends. Children that stand side by side among the nodes of
+// the tree, as the leaves of a parameter do, are used there; other branches get an array.
+class Linker
 {
-    std::size_t top = 0;
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        AMI_NODE& node = nodes[i];
-        if (i == 0 && node.eKind == AMI_BRANCH) {
-            stack[0] = node;
-            continue;
+  public:
+    explicit Linker(_tagTree& tree) : mTree(tree) {}
+
+    /// The last node of the tree.
+    AMI_Result add();
+    AMI_Result finish();
+
+  private:
+    struct Branch {
+        const AMI_NODE* pNode;
+        std::size_t uiFirst;  // of its children, among `mChildren`
+    };
+
+    bool close();
+
+    _tagTree& mTree;
+    CMN_Vector<Branch> mOpen;               // from the root down
+    CMN_Vector<const AMI_NODE*> mChildren;  // of all open branches
+};
+
+AMI_Result Linker::add()
+{
+    const AMI_NODE& node = mTree.pNodes[mTree.iCount - 1];
+    if (mOpen.empty() && node.eKind == AMI_BRANCH) {
+        mOpen.push_back({&node, 0});
+        return AMI_OK;
+    }
+    if (mOpen.empty()) {
+        return AMI_NO_PARENT;
+    }
+    while (mOpen.back().pNode->iLevel >= node.iLevel) {
+        if (mOpen.size() == 1) {
+            return AMI_ABOVE_ROOT;
         }
-        while (stack[top].iLevel >= node.iLevel) {
-            if (top == 0) {
-                return AMI_ABOVE_ROOT;
-            }
-            --top;
+        if (!close()) {
+            return AMI_NO_MEMORY;
         }
-        auto* const parent = static_cast<_tagBranchStruct*>(stack[top].p);
-        if (parent == nullptr) {
-            return AMI_NO_PARENT;
-        }
-        if (stack[top].iLevel + 1 != node.iLevel) {
-            continue;
-        }
-        visit(*parent, node);
-        if (node.eKind == AMI_BRANCH) {
-            stack[++top] = node;
+    }
+    if (mOpen.back().pNode->iLevel + 1 != node.iLevel) {
+        return AMI_OK;
+    }
+    mChildren.push_back(&node);
+    if (node.eKind == AMI_BRANCH) {
+        mOpen.push_back({&node, mChildren.size()});
+    }
+    return AMI_OK;
+}
+
+AMI_Result Linker::finish()
+{
+    while (!mOpen.empty()) {
+        if (!close()) {
+            return AMI_NO_MEMORY;
         }
     }
     return AMI_OK;
 }
 
-// Children that stand side by side among the nodes of the tree, as the leaves of a parameter do, are used
-// there. Other branches need an array: null after the count.
-void CountChild(_tagBranchStruct& parent, AMI_NODE& child)
+bool Linker::close()
 {
-    if (parent.iNodeCount == 0) {
-        parent.pNodes = &child;
-    } else if (parent.pNodes != nullptr && parent.pNodes + parent.iNodeCount != &child) {
-        parent.pNodes = nullptr;
-    }
-    ++parent.iNodeCount;
-}
-
-bool MakeChildArrays(_tagTree& tree)
-{
-    for (const AMI_NODE& node : std::span(tree.pNodes, static_cast<std::size_t>(tree.iCount))) {
-        if (node.eKind != AMI_BRANCH) {
-            continue;
-        }
-        auto& branch = *static_cast<_tagBranchStruct*>(node.p);
-        const auto count = static_cast<std::size_t>(std::exchange(branch.iNodeCount, 0));
-        if (count != 0 && branch.pNodes == nullptr && !BLOCK_Take(tree.records, branch.pNodes, count)) {
+    const Branch last = mOpen.back();
+    auto& branch = *static_cast<_tagBranchStruct*>(last.pNode->p);
+    const std::span children = std::span(mChildren).subspan(last.uiFirst);
+    const auto count = static_cast<std::ptrdiff_t>(children.size());
+    if (count != 0 && children.back() - children.front() == count - 1) {
+        branch.pNodes = mTree.pNodes + (children.front() - mTree.pNodes);
+    } else if (count != 0) {
+        if (!BLOCK_Take(mTree.records, branch.pNodes, children.size())) {
             return false;
         }
+        std::transform(children.begin(), children.end(), branch.pNodes,
+                       [](const AMI_NODE* child) { return *child; });
     }
+    branch.iNodeCount = static_cast<std::int32_t>(count);
+    mChildren.resize(last.uiFirst);
+    mOpen.pop_back();
     return true;
 }
 
-AMI_Result LinkNodes(_tagTree& tree, AMI_NODE* stack)
-{
-    const std::span nodes(tree.pNodes, static_cast<std::size_t>(tree.iCount));
-    if (const AMI_Result result = ForEachChild(nodes, stack, CountChild); result != AMI_OK) {
-        return result;
+// All nodes of the text, as many as the tree has room for. A fault of the text is told ahead of one of the
+// tree, wherever they stand.
+AMI_Result ReadNodes(std::string_view text, _tagTree& tree, int capacity, int* errorPosition)
+try {
+    Scanner scanner(text, tree);
+    Linker linker(tree);
+    AMI_Result linked = AMI_OK;
+    bool found = true;
+    while (found && tree.iCount < capacity) {
+        AMI_NODE node{};
+        const AMI_Result result = scanner.next(node, found);
+        if (node.p != nullptr) {
+            tree.pNodes[tree.iCount++] = node;
+            linked = linked == AMI_OK ? linker.add() : linked;
+        }
+        if (result == AMI_NESTED_VALUES) {
+            *errorPosition = scanner.position();
+        }
+        if (result != AMI_OK) {
+            return result;
+        }
     }
-    if (!MakeChildArrays(tree)) {
-        return AMI_NO_MEMORY;
-    }
-    return ForEachChild(nodes, stack, [](_tagBranchStruct& parent, const AMI_NODE& child) {
-        parent.pNodes[parent.iNodeCount++] = child;
-    });
-}
-
-AMI_Result BuildTree(std::string_view text, int opens, _tagTree& tree, int* errorPosition)
-{
-    if (!CMN_Alloc(tree.pNodes, static_cast<std::size_t>(opens))) {
-        return AMI_NO_MEMORY;
-    }
-    tree.iCount = opens;
-    if (const AMI_Result result = AMI_ParseNodes(text, tree, errorPosition); result != AMI_OK) {
-        return result;
-    }
-    std::int32_t deepest = 0;
-    for (const AMI_NODE& node : std::span(tree.pNodes, static_cast<std::size_t>(tree.iCount))) {
-        deepest = std::max(deepest, node.iLevel);
-    }
-    AMI_NODE* stack = nullptr;
-    if (!CMN_Alloc(stack, static_cast<std::size_t>(deepest) + 1)) {
-        return AMI_NO_MEMORY;
-    }
-    const AMI_Result result = LinkNodes(tree, stack);
-    CMN_Free(stack);
-    return result;
+    return linked == AMI_OK ? linker.finish() : linked;
+} catch (const std::bad_alloc&) {
+    return AMI_NO_MEMORY;
 }
 
 }  // namespace
@@ -584,28 +603,6 @@ bool AMI_CountParens(std::string_view text, int* opens, int* errorPosition)
     return *opens == closes;
 }
 
-AMI_Result AMI_ParseNodes(std::string_view text, _tagTree& tree, int* errorPosition)
-{
-    Scanner scanner(text, tree);
-    const int capacity = tree.iCount;
-    tree.iCount = 0;
-    while (tree.iCount < capacity) {
-        AMI_NODE node{};
-        bool found = false;
-        const AMI_Result result = scanner.next(node, found);
-        if (node.p != nullptr) {
-            tree.pNodes[tree.iCount++] = node;
-        }
-        if (result == AMI_NESTED_VALUES) {
-            *errorPosition = scanner.position();
-        }
-        if (result != AMI_OK || !found) {
-            return result;
-        }
-    }
-    return AMI_OK;
-}
-
 AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosition)
 {
     *tree = nullptr;
@@ -627,7 +624,9 @@ AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosit
     if (!CMN_Alloc(*tree)) {
         return AMI_NO_MEMORY;
     }
-    const AMI_Result result = BuildTree(text, opens, **tree, errorPosition);
+    const AMI_Result result = CMN_Alloc((*tree)->pNodes, static_cast<std::size_t>(opens))
+                                  ? ReadNodes(text, **tree, opens, errorPosition)
+                                  : AMI_NO_MEMORY;
     if (result != AMI_OK) {
         AMI_FreeTree(tree);
     }

@@ -135,9 +135,6 @@ inline constexpr int AMI_NO_POSITION = -1;
 /// Builds the tree of a text in time proportional to it, whatever it holds. The position of a fault counts
 /// from the first "(" of the text.
 AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosition);
-/// The flat pass alone: fills the nodes of a tree, room for `iCount` of them, and tells how many there are.
-/// `text` begins at the first "(".
-AMI_Result AMI_ParseNodes(std::string_view text, _tagTree& tree, int* errorPosition);
 /// The check of the parentheses alone. Gives the number of "(", those within quotes left out; false with the
 /// position of a token right behind a ")", or with no position if the parentheses are unbalanced.
 bool AMI_CountParens(std::string_view text, int* opens, int* errorPosition);
