@@ -332,6 +332,14 @@ TEST(PackageModel, PinPaths)
               (Lines{At(12) + "Number of Sections should be specified before Pin Numbers",
                      At(13) + "Duplicate 'Pin_Numbers' keyword found."}));
     EXPECT_EQ(Paths(), "1:L;2:L");
+    // A matrix that is there by then keeps its rows, whose pins may stand elsewhere now.
+    EXPECT_EQ(PkgMessages(Head() + PINS + "[Inductance Matrix] Sparse_matrix\n[Row] 1\n1 1n\n" +
+                          "[Number Of Sections] 1\n[Pin Numbers]\n2 Len=0 /\n1 Len=0 /\n[Row] 1\n1 1n\n" +
+                          END_PACKAGE),
+              (Lines{At(15) + "Number of Sections should be specified before Pin Numbers",
+                     At(16) + "Duplicate 'Pin_Numbers' keyword found.", At(19) + "Repeated ROW <1>.",
+                     "ERROR - Inductance_Matrix cannot be specified when Number_Of_Sections is specified for "
+                     "Package Model Q."}));
 }
 
 TEST(PackageModel, DeepForksNeedNoStack)
