@@ -384,8 +384,7 @@ void MTX_Free(MTX* matrix)
 {
     if (matrix != nullptr) {
         MTX_Init();
-        BLOCK_Free(matrix->values);
-        BLOCK_Free(matrix->columns);
+        ROW_FreeList(*matrix);
         CMN_Release(matrix->ppRows);
         CMN_Release(matrix->puiFilled);
         CMN_Free(matrix);

@@ -536,19 +536,23 @@ int ReadKeywordPass(const char* name, ibis_file_type type)
 // The text pass -------------------------------------------------------------------------------------------
 
 // Length of a line up to its comment. Quotes protect the comment character here, unlike in the keyword pass.
-std::size_t FindComment(std::span<const char> line)
+std::size_t FindComment(std::string_view line)
 {
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"') {
-            gbInQuotes = !gbInQuotes;
-            if (gbInQuotes) {
-                guiQuoteLine = guiParamLineNumber;
+    std::size_t comment = gbInQuotes ? 0 : line.find(gcCommentChar);
+    for (std::size_t at = 0;; ++at) {
+        const std::size_t quote = line.find('"', at);
+        if (!gbInQuotes) {
+            comment = comment < at ? line.find(gcCommentChar, at) : comment;
+            if (comment < quote || quote == std::string_view::npos) {
+                return std::min(comment, line.size());
             }
-        } else if (line[i] == gcCommentChar && !gbInQuotes) {
-            return i;
+            guiQuoteLine = guiParamLineNumber;
+        } else if (quote == std::string_view::npos) {
+            return line.size();
         }
+        gbInQuotes = !gbInQuotes;
+        at = quote;
     }
-    return line.size();
 }
 
 bool AppendText(std::span<const char> text, bool blank)
@@ -590,7 +594,7 @@ int ReadTextPass(const char* name, ibis_file_type type)
     bool lineFeed = false;
     while (CMN_ReadLongLine(stream, line, lineFeed)) {
         ++guiParamLineNumber;
-        const std::size_t length = FindComment(line);
+        const std::size_t length = FindComment({line.data(), line.size()});
         if (!AppendText(line.first(length), lineFeed || length != line.size())) {
             break;
         }

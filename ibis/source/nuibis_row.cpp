@@ -267,3 +267,10 @@ int ROW_WidenAll(ROW* list, unsigned columnCount)
     }
     return 1;
 }
+
+void ROW_FreeList(MTX& matrix)
+{
+    BLOCK_Free(matrix.values);
+    BLOCK_Free(matrix.columns);
+    matrix.pRows = nullptr;
+}

@@ -36,3 +36,5 @@ void ROW_Sort(ROW* row);
 void ROW_CheckColumnCount(const ROW* list, bool strict);
 /// Makes every row `columnCount` columns wide. 1, or BUG 3109 and 0 at a row that is wider.
 int ROW_WidenAll(ROW* list, unsigned columnCount);
+/// Releases the rows of a matrix with their values.
+void ROW_FreeList(MTX& matrix);

@@ -12,6 +12,7 @@ namespace
 {
 
 constexpr std::size_t UNSET = std::string_view::npos;
+
 // Words and names -----------------------------------------------------------------------------------------
 
 struct Word {
@@ -514,33 +515,6 @@ bool Linker::close()
     return true;
 }
 
-// All nodes of the text, as many as the tree has room for. A fault of the text is told ahead of one of the
-// tree, wherever they stand.
-AMI_Result ReadNodes(std::string_view text, _tagTree& tree, int capacity, int* errorPosition)
-try {
-    Scanner scanner(text, tree);
-    Linker linker(tree);
-    AMI_Result linked = AMI_OK;
-    bool found = true;
-    while (found && tree.iCount < capacity) {
-        AMI_NODE node{};
-        const AMI_Result result = scanner.next(node, found);
-        if (node.p != nullptr) {
-            tree.pNodes[tree.iCount++] = node;
-            linked = linked == AMI_OK ? linker.add() : linked;
-        }
-        if (result == AMI_NESTED_VALUES) {
-            *errorPosition = scanner.position();
-        }
-        if (result != AMI_OK) {
-            return result;
-        }
-    }
-    return linked == AMI_OK ? linker.finish() : linked;
-} catch (const std::bad_alloc&) {
-    return AMI_NO_MEMORY;
-}
-
 }  // namespace
 
 AMI_Keyword AMI_KeywordOf(std::string_view word)
@@ -603,6 +577,31 @@ bool AMI_CountParens(std::string_view text, int* opens, int* errorPosition)
     return *opens == closes;
 }
 
+AMI_Result AMI_ParseNodes(std::string_view text, _tagTree& tree, int capacity, int* errorPosition)
+try {
+    Scanner scanner(text, tree);
+    Linker linker(tree);
+    AMI_Result linked = AMI_OK;
+    bool found = true;
+    while (found && tree.iCount < capacity) {
+        AMI_NODE node{};
+        const AMI_Result result = scanner.next(node, found);
+        if (node.p != nullptr) {
+            tree.pNodes[tree.iCount++] = node;
+            linked = linked == AMI_OK ? linker.add() : linked;
+        }
+        if (result == AMI_NESTED_VALUES) {
+            *errorPosition = scanner.position();
+        }
+        if (result != AMI_OK) {
+            return result;
+        }
+    }
+    return linked == AMI_OK ? linker.finish() : linked;
+} catch (const std::bad_alloc&) {
+    return AMI_NO_MEMORY;
+}
+
 AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosition)
 {
     *tree = nullptr;
@@ -625,7 +624,7 @@ AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosit
         return AMI_NO_MEMORY;
     }
     const AMI_Result result = CMN_Alloc((*tree)->pNodes, static_cast<std::size_t>(opens))
-                                  ? ReadNodes(text, **tree, opens, errorPosition)
+                                  ? AMI_ParseNodes(text, **tree, opens, errorPosition)
                                   : AMI_NO_MEMORY;
     if (result != AMI_OK) {
         AMI_FreeTree(tree);

@@ -96,8 +96,8 @@ struct AMI_NODE {
 
 struct _tagBranchStruct {
     char* pszName;
-    AMI_NODE*
-        pNodes;  ///< children, in text order; within the tree's nodes where they stand there side by side
+    /// Children, in text order; within the tree's nodes where they stand there side by side.
+    AMI_NODE* pNodes;
     std::int32_t iNodeCount;
 };
 
@@ -135,6 +135,9 @@ inline constexpr int AMI_NO_POSITION = -1;
 /// Builds the tree of a text in time proportional to it, whatever it holds. The position of a fault counts
 /// from the first "(" of the text.
 AMI_Result AMI_ParseTree(std::string_view text, _tagTree** tree, int* errorPosition);
+/// The one pass over the text, which begins at the first "(": all nodes, as many as the tree has room for,
+/// each hung under its branch. A fault of the text is told ahead of one of the tree, wherever they stand.
+AMI_Result AMI_ParseNodes(std::string_view text, _tagTree& tree, int capacity, int* errorPosition);
 /// The check of the parentheses alone. Gives the number of "(", those within quotes left out; false with the
 /// position of a token right behind a ")", or with no position if the parentheses are unbalanced.
 bool AMI_CountParens(std::string_view text, int* opens, int* errorPosition);
