@@ -17,6 +17,8 @@ class NAMES_Places
     /// 0 if the name is unknown.
     unsigned find(std::string_view name) const;
     void clear();
+    /// How many names there are.
+    std::size_t size() const { return mCount; }
 
   private:
     struct Slot {

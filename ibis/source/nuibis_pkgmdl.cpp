@@ -36,6 +36,7 @@ unsigned guiPinIndex = 0;                     // pins stored so far
 bool gbPinStarted = false;                    // the path being read has a pin
 FORK_Chain<PKGSECTNODE> gChain;               // end of that path
 NAMES_Places gPinIndex;                       // first index, from 1, of each pin name
+unsigned guiFoundPin = 0;                     // index of the pin that was looked up last
 
 // Follows the list that was last looked into.
 LIST_Index<PKGMDL, &PKGMDL::szName> gPackages;
@@ -253,6 +254,14 @@ bool AddPin(std::string_view name, bool sections)
         MSG_ErrorLine(3437, pin);
     }
     return true;
+}
+
+// Rows come in the order of the pins, nearly always: the pin behind the one found last needs no lookup where
+// all names differ.
+bool IsBehindFound(std::string_view pin)
+{
+    return guiFoundPin < guiPinIndex && gPinIndex.size() == guiPinIndex &&
+           pin == gpCurPkgMdl->ppszPinNames[guiFoundPin];
 }
 
 std::string_view CutName(std::string_view name)
@@ -676,7 +685,8 @@ int PKGMDL_FindPinIndex(std::string_view pin, unsigned* index)
     if (gpCurPkgMdl == nullptr) {
         return 0;
     }
-    *index = gPinIndex.find(pin);
+    *index = IsBehindFound(pin) ? guiFoundPin + 1 : gPinIndex.find(pin);
+    guiFoundPin = *index;
     return *index != 0 ? 1 : 0;
 }
 
