@@ -517,12 +517,6 @@ bool Linker::close()
 
 }  // namespace
 
-AMI_Keyword AMI_KeywordOf(std::string_view word)
-{
-    const Word* const known = PLACES.find(word);
-    return known == nullptr ? AMI_NO_KEYWORD : known->eKeyword;
-}
-
 bool AMI_IsInteger(std::string_view text)
 {
     return NumberKind(text) == AMI_KIND_INTEGER;

@@ -148,8 +148,6 @@ bool AMI_AddValue(_tagTree& tree, _tagLeafStruct& leaf, std::string_view text);
 AMI_ValueKind AMI_ClassifyValue(std::string_view text);
 /// Whether a text is a whole number.
 bool AMI_IsInteger(std::string_view text);
-/// Code of a word, compared exactly.
-AMI_Keyword AMI_KeywordOf(std::string_view word);
 /// Releases a tree and clears the pointer; null is fine.
 void AMI_FreeTree(_tagTree** tree);
 
