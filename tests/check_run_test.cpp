@@ -123,6 +123,22 @@ class OnTerminal
     std::string mOut;
 };
 
+// A container may have no pseudo-terminals.
+class CheckOnTerminal : public testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        int terminal = -1;
+        int program = -1;
+        if (openpty(&terminal, &program, nullptr, nullptr, nullptr) != 0) {
+            GTEST_SKIP() << "no pseudo-terminal here";
+        }
+        close(terminal);
+        close(program);
+    }
+};
+
 // The reading processes of a running program.
 std::vector<pid_t> ChildrenOf(pid_t process)
 {
@@ -226,7 +242,7 @@ TEST(CheckRun, OutputIsTheSameWithAnyNumberOfJobs)
     }
 }
 
-TEST(CheckRun, ColourFollowsTheTerminalAndTheOptions)
+TEST_F(CheckOnTerminal, ColourFollowsTheTerminalAndTheOptions)
 {
     WriteTestFile("bad.ibs", Header("5.1", "bad.ibs") + "[Bad]\n[End]\n");
     WriteClean("c.pkg");
@@ -248,7 +264,7 @@ TEST(CheckRun, ColourFollowsTheTerminalAndTheOptions)
     EXPECT_EQ(never.out(), "c.pkg: no findings\r\n");
 }
 
-TEST(CheckRun, SourceLinesFitTheTerminal)
+TEST_F(CheckOnTerminal, SourceLinesFitTheTerminal)
 {
     WriteTestFile("wide.ibs", Header("5.1", "wide.ibs") + "[" + std::string(100, 'x') + "]\n[End]\n");
     OnTerminal narrow({"--color", "never", "wide.ibs"});
@@ -258,7 +274,7 @@ TEST(CheckRun, SourceLinesFitTheTerminal)
 }
 
 // The line of progress is erased before anything else is printed.
-TEST(CheckRun, AReadingProcessThatDiesTakesNoOtherFileDown)
+TEST_F(CheckOnTerminal, AReadingProcessThatDiesTakesNoOtherFileDown)
 {
     WriteClean("c.pkg");
     const EndlessFile endless("endless.ibs");
@@ -278,7 +294,7 @@ TEST(CheckRun, AReadingProcessThatDiesTakesNoOtherFileDown)
 }
 
 // On a terminal the key goes to the program and to its reading processes.
-TEST(CheckRun, CtrlCEndsTheRunInOrder)
+TEST_F(CheckOnTerminal, CtrlCEndsTheRunInOrder)
 {
     WriteClean("c.pkg");
     const EndlessFile endless("endless.ibs");
@@ -293,7 +309,7 @@ TEST(CheckRun, CtrlCEndsTheRunInOrder)
     EXPECT_EQ(run.out().find("endless"), std::string::npos);
 }
 
-TEST(CheckRun, CtrlCEndsTheWaitForInput)
+TEST_F(CheckOnTerminal, CtrlCEndsTheWaitForInput)
 {
     OnTerminal run({"--type", "ibs", "--format", "junit", "-"});
     for (int tries = 0; tries < 1000 && !Catches(run.child(), SIGINT); ++tries) {
