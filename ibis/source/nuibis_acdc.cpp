@@ -168,6 +168,9 @@ class LoadedCurve
     // The voltage at which it settles, as `ACDC_LoadLine` tells.
     bool settle(double vLoad, double r, double guess, double& v) const
     {
+        if (mSegments.empty()) {
+            return false;
+        }
         const double g = Conductance(r);
         const double b = g * vLoad;  // current of the load at 0 V, A
         std::optional<double> answer;
@@ -189,7 +192,7 @@ class LoadedCurve
             }
         }
         v = answer.value_or(crossing);
-        return !mSegments.empty();
+        return true;
     }
 
   private:

@@ -738,18 +738,19 @@ inline std::size_t ReadShortDouble(std::string_view text, double* out)
     const char* const end = text.data() + text.size();
     const char* const first = text.data() + (text.front() == '-' ? 1 : 0);
     std::uint64_t mantissa = 0;
-    int exponent = 0;
     const char* at = ReadDigits(first, end, mantissa);
+    const char* fraction = at;
     if (at != end && *at == '.') {
-        const char* const fraction = at + 1;
+        fraction = at + 1;
         at = ReadDigits(fraction, end, mantissa);
-        exponent = static_cast<int>(fraction - at);
     }
-    const std::ptrdiff_t length = at - first;
+    if (at - first > SAFE_DIGITS || mantissa > EXACT_LIMIT) {
+        return 0;
+    }
+    auto exponent = static_cast<int>(fraction - at);
     at = ReadExponent(at, end, exponent);
     const auto power = static_cast<std::size_t>(std::abs(exponent));
-    if (length > SAFE_DIGITS || mantissa > EXACT_LIMIT || power >= POWERS.size() ||
-        (at != end && CMN_IsDigit(*at))) {
+    if (power >= POWERS.size() || (at != end && CMN_IsDigit(*at))) {
         return 0;
     }
     const auto exact = static_cast<double>(mantissa);

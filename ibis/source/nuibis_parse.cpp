@@ -538,6 +538,7 @@ int ReadKeywordPass(const char* name, ibis_file_type type)
 // Length of a line up to its comment. Quotes protect the comment character here, unlike in the keyword pass.
 std::size_t FindComment(std::string_view line)
 {
+    // Looked for again only when the place has moved behind it, so that many quotes cost no walk each.
     std::size_t comment = gbInQuotes ? 0 : line.find(gcCommentChar);
     for (std::size_t at = 0;; ++at) {
         const std::size_t quote = line.find('"', at);
