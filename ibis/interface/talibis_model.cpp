@@ -66,18 +66,8 @@ const char* ModeText(submdl_modes mode)
 
 const char* SubmodelTypeText(submdl_type type)
 {
-    switch (type) {
-    case SUBMDL_DYNAMIC_CLAMP:
-        return "Dynamic_clamp";
-    case SUBMDL_BUS_HOLD:
-        return "Bus_hold";
-    case SUBMDL_FALL_BACK:
-        return "Fall_back";
-    case SUBMDL_UNSEEN:
-        return "Not_set";
-    default:
-        return "No Type";
-    }
+    const char* const word = SUBMDL_TypeWord(type);
+    return word != nullptr ? word : type == SUBMDL_UNSEEN ? "Not_set" : "No Type";
 }
 
 void MissSubmodel(TalIbisQueryData& record, const char* submodel, const char* file)

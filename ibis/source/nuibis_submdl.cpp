@@ -51,7 +51,8 @@ void ReadName(std::string_view text)
 
 void ReadSubparameter(std::string_view text)
 {
-    static constexpr std::array<std::string_view, 3> words{"Dynamic_clamp", "Bus_hold", "Fall_back"};
+    static constexpr std::array<std::string_view, 3> words{SUBMDL_TYPE_WORDS[0], SUBMDL_TYPE_WORDS[1],
+                                                           SUBMDL_TYPE_WORDS[2]};
     const std::string_view name = FIELD_ItemName(text);
     if (name != "Submodel_type") {
         MSG_ErrorLine(2416);

@@ -21,6 +21,16 @@ enum submdl_type : std::uint32_t {
     SUBMDL_FALL_BACK = 4,
 };
 
+/// The types as files write them, from SUBMDL_DYNAMIC_CLAMP on.
+inline constexpr std::array<const char*, 3> SUBMDL_TYPE_WORDS{"Dynamic_clamp", "Bus_hold", "Fall_back"};
+
+/// The word of a type; null for one that was not given or not understood.
+constexpr const char* SUBMDL_TypeWord(submdl_type type)
+{
+    const std::size_t row = std::size_t{type} - SUBMDL_DYNAMIC_CLAMP;
+    return row < SUBMDL_TYPE_WORDS.size() ? SUBMDL_TYPE_WORDS[row] : nullptr;
+}
+
 struct submdl {
     submdl* pNext;
     char szName[41];

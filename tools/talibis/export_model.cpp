@@ -307,7 +307,7 @@ json ExportModel(const nuibis_mdl& model)
 json ExportSubmodel(const submdl& submodel)
 {
     json object{{"name", submodel.szName},
-                {"Submodel_type", ExportText(SubmodelTypeName(submodel.eSubmodelType))}};
+                {"Submodel_type", ExportText(SUBMDL_TypeWord(submodel.eSubmodelType))}};
     AddItems(submodel, SUBMODEL_TABLES, object);
     AddItems(submodel, SUBMODEL_WAVEFORMS, object);
     object["Ramp"] = ExportRamp(submodel.pRamp);

@@ -60,18 +60,3 @@ inline constexpr Item<submdl, wvfrm> SUBMODEL_WAVEFORMS[]{
     {"GND Pulse Table", &submdl::pGndPulse},
     {"POWER Pulse Table", &submdl::pPowerPulse},
 };
-
-/// Submodel_type as the file writes it; null for one that is not known.
-constexpr const char* SubmodelTypeName(submdl_type type)
-{
-    switch (type) {
-    case SUBMDL_DYNAMIC_CLAMP:
-        return "Dynamic_clamp";
-    case SUBMDL_BUS_HOLD:
-        return "Bus_hold";
-    case SUBMDL_FALL_BACK:
-        return "Fall_back";
-    default:
-        return nullptr;
-    }
-}

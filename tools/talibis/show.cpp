@@ -284,7 +284,7 @@ void Show::submodels(const std::vector<const submdl*>& list)
                 waveforms.emplace_back(item.pszName);
             }
         }
-        const char* const type = SubmodelTypeName(submodel->eSubmodelType);
+        const char* const type = SUBMDL_TypeWord(submodel->eSubmodelType);
         table.add({submodel->szName, type == nullptr ? NONE : type, TablesOf(*submodel, SUBMODEL_TABLES),
                    OrNone(Join(waveforms, ", "))});
     }
